@@ -1,0 +1,5 @@
+# Sources and public headers of diagnostics/.
+set(BRIX_DIAGNOSTICS_HEADERS
+)
+set(BRIX_DIAGNOSTICS_SOURCES
+)

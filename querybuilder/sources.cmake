@@ -1,0 +1,5 @@
+# Sources and public headers of querybuilder/.
+set(BRIX_QUERYBUILDER_HEADERS
+)
+set(BRIX_QUERYBUILDER_SOURCES
+)

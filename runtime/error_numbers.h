@@ -1,0 +1,40 @@
+// Error numbers raised by the library: the platform's run-time errors and the library's own.
+#pragma once
+
+#include <cstdint>
+
+namespace brix {
+
+/// Base of component-defined error numbers (0x80040000).
+inline constexpr std::int32_t kObjectErrorBase = static_cast<std::int32_t>(0x80040000u);
+
+// Run-time errors of the platform, with the platform's numbers.
+inline constexpr std::int32_t kErrInvalidProcedureCall = 5;
+inline constexpr std::int32_t kErrOverflow = 6;
+inline constexpr std::int32_t kErrSubscriptOutOfRange = 9;
+inline constexpr std::int32_t kErrTypeMismatch = 13;
+inline constexpr std::int32_t kErrObjectVariableNotSet = 91;
+inline constexpr std::int32_t kErrInvalidUseOfNull = 94;
+inline constexpr std::int32_t kErrObjectRequired = 424;
+inline constexpr std::int32_t kErrObjectDoesntSupport = 438;
+inline constexpr std::int32_t kErrArgumentNotOptional = 449;
+inline constexpr std::int32_t kErrKeyAlreadyAssociated = 457;
+
+/// Code of the missing-argument marker (DISP_E_PARAMNOTFOUND).
+inline constexpr std::int32_t kParamNotFound = static_cast<std::int32_t>(0x80020004u);
+
+// The query model.
+inline constexpr std::int32_t kErrTableExists = 1000;
+inline constexpr std::int32_t kErrFieldExists = 2000;
+inline constexpr std::int32_t kErrConditionExists = kObjectErrorBase + 3000;
+inline constexpr std::int32_t kErrAddParamValues = kObjectErrorBase + 10100;
+/// Chosen for the wrapped errors of LoadXMLDef and SaveXMLDef, next to AddParamValues.
+inline constexpr std::int32_t kErrLoadXMLDef = kObjectErrorBase + 10101;
+inline constexpr std::int32_t kErrSaveXMLDef = kObjectErrorBase + 10102;
+
+// The XML property bag: the object-error base + 1048 + the bag's published constants.
+inline constexpr std::int32_t kXMLPropertyBagErrorBase = 29450;
+inline constexpr std::int32_t kErrInvalidVariantType = kObjectErrorBase + 1048 + 29451;
+inline constexpr std::int32_t kErrInvalidXMLFile = kObjectErrorBase + 1048 + 29452;
+
+}  // namespace brix

@@ -1,0 +1,94 @@
+// The platform's collection: 1-based positions, optional case-insensitive string keys,
+// insertion order, and the platform's own errors (9 bad position, 5 unknown key, 457 duplicate).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "runtime/conversions.h"
+#include "runtime/error.h"
+#include "runtime/error_numbers.h"
+#include "runtime/text.h"
+#include "runtime/variant.h"
+
+namespace brix {
+
+/// An ordered collection of `T` with 1-based positions and optional string keys. Lookup by
+/// position and by key is O(1); removal is O(n). Iteration is in position order.
+template <class T>
+class KeyedCollection {
+ public:
+  using const_iterator = typename std::vector<T>::const_iterator;
+
+  std::int32_t Count() const { return static_cast<std::int32_t>(items_.size()); }
+
+  /// Appends `item`; with a key, raises 457 when the key (ignoring letter case) is already used.
+  void Add(T item, std::optional<std::string_view> key = std::nullopt) {
+    std::optional<std::string> folded;
+    if (key) {
+      folded = FoldCase(*key);
+      if (positions_.contains(*folded)) RaiseRuntimeError(kErrKeyAlreadyAssociated);
+      positions_.emplace(*folded, items_.size());
+    }
+    items_.push_back(std::move(item));
+    keys_.push_back(std::move(folded));
+  }
+
+  /// The item at a 1-based position (a number, rounded half to even) or under a key (a string).
+  /// Raises 9 for a position outside 1..Count and 5 for an unknown key.
+  const T& Item(const Variant& index) const { return items_[IndexOf(index)]; }
+  const T& ItemAt(std::int32_t position) const { return items_[IndexOfPosition(position)]; }
+  const T& ItemByKey(std::string_view key) const { return items_[IndexOfKey(key)]; }
+
+  /// The item under `key`, or nullptr.
+  const T* FindKey(std::string_view key) const {
+    auto it = positions_.find(FoldCase(key));
+    return it == positions_.end() ? nullptr : &items_[it->second];
+  }
+
+  /// Removes by position or key, with the errors of `Item`.
+  void Remove(const Variant& index) {
+    std::size_t at = IndexOf(index);
+    items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(at));
+    if (keys_[at]) positions_.erase(*keys_[at]);
+    keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(at));
+    for (auto& [key, position] : positions_) {
+      if (position > at) --position;
+    }
+  }
+
+  void Clear() {
+    items_.clear();
+    keys_.clear();
+    positions_.clear();
+  }
+
+  const_iterator begin() const { return items_.begin(); }
+  const_iterator end() const { return items_.end(); }
+
+ private:
+  std::size_t IndexOf(const Variant& index) const {
+    if (index.IsString()) return IndexOfKey(index.AsString());
+    return IndexOfPosition(CLng(index));
+  }
+  std::size_t IndexOfPosition(std::int32_t position) const {
+    if (position < 1 || position > Count()) RaiseRuntimeError(kErrSubscriptOutOfRange);
+    return static_cast<std::size_t>(position - 1);
+  }
+  std::size_t IndexOfKey(std::string_view key) const {
+    auto it = positions_.find(FoldCase(key));
+    if (it == positions_.end()) RaiseRuntimeError(kErrInvalidProcedureCall);
+    return it->second;
+  }
+
+  std::vector<T> items_;
+  std::vector<std::optional<std::string>> keys_;
+  std::unordered_map<std::string, std::size_t> positions_;
+};
+
+}  // namespace brix

@@ -1,0 +1,24 @@
+// Base of every object a variant can refer to: persistable model objects and host objects alike.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace brix {
+
+class Variant;
+
+/// An object that a `Variant` can hold by shared reference.
+class Object {
+ public:
+  virtual ~Object() = default;
+
+  /// The object's class name as the platform reports it (the element name it is saved under).
+  virtual std::string TypeName() const = 0;
+
+  /// The value of the object's default member, used when the object is compared or converted
+  /// to a simple value; `std::nullopt` when it has none (conversions then raise error 438).
+  virtual std::optional<Variant> DefaultValue() const;
+};
+
+}  // namespace brix

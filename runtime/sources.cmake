@@ -1,0 +1,21 @@
+# The platform layer: variant, keyed collection, errors, conversions, dates, clock, text.
+set(BRIX_RUNTIME_HEADERS
+  runtime/clock.h
+  runtime/conversions.h
+  runtime/dates.h
+  runtime/error.h
+  runtime/error_numbers.h
+  runtime/keyed_collection.h
+  runtime/object.h
+  runtime/text.h
+  runtime/variant.h
+)
+set(BRIX_RUNTIME_SOURCES
+  runtime/clock.cpp
+  runtime/conversions.cpp
+  runtime/dates.cpp
+  runtime/error.cpp
+  runtime/object.cpp
+  runtime/text.cpp
+  runtime/variant.cpp
+)
