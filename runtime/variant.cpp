@@ -13,15 +13,6 @@ namespace {
 
 constexpr double kCurrencyScale = 10000.0;
 
-// The value of an object operand: its default value; Nothing raises 91, no default value 438.
-Variant Dereference(const Variant& v) {
-  const Variant::ObjectRef& object = v.AsObject();
-  if (!object) RaiseRuntimeError(kErrObjectVariableNotSet);
-  std::optional<Variant> value = object->DefaultValue();
-  if (!value) RaiseRuntimeError(kErrObjectDoesntSupport);
-  return *value;
-}
-
 template <class T>
 Comparison Order(T a, T b) {
   if (a < b) return Comparison::kLess;
@@ -41,7 +32,10 @@ Comparison CompareNumbers(const Variant& a, const Variant& b) {
   if (a.Type() == vbCurrency || b.Type() == vbCurrency) {
     return Order(ToScaledCurrency(a), ToScaledCurrency(b));
   }
-  if (a.Type() == vbSingle || b.Type() == vbSingle) {
+  // Only a Double is rounded to Single precision; other numbers meet a Single as Doubles.
+  bool single_pair = (a.Type() == vbSingle && (b.Type() == vbSingle || b.Type() == vbDouble)) ||
+                     (b.Type() == vbSingle && a.Type() == vbDouble);
+  if (single_pair) {
     return Order(static_cast<float>(a.NumericValue()), static_cast<float>(b.NumericValue()));
   }
   return Order(a.NumericValue(), b.NumericValue());
@@ -50,9 +44,9 @@ Comparison CompareNumbers(const Variant& a, const Variant& b) {
 }  // namespace
 
 VarType Variant::Type() const {
-  static constexpr VarType kCodes[] = {vbEmpty,  vbNull,   vbInteger, vbLong,   vbSingle,
-                                       vbDouble, vbCurrency, vbDate,  vbString, vbBoolean,
-                                       vbByte,   vbError,  vbObject,  vbByte,   vbVariant};
+  static constexpr VarType kCodes[] = {vbEmpty,  vbNull,     vbInteger, vbLong,   vbSingle,
+                                       vbDouble, vbCurrency, vbDate,    vbString, vbBoolean,
+                                       vbByte,   vbError,    vbObject,  vbByte,   vbVariant};
   VarType code = kCodes[value_.index()];
   if (IsArray()) code = static_cast<VarType>(code | vbArray);
   return code;
@@ -105,9 +99,20 @@ double Variant::NumericValue() const {
 
 void Variant::ThrowTypeMismatch() { RaiseRuntimeError(kErrTypeMismatch); }
 
+Variant SimpleValue(const Variant& v) {
+  if (!v.IsObject()) return v;
+  const Variant::ObjectRef& object = v.AsObject();
+  if (!object) RaiseRuntimeError(kErrObjectVariableNotSet);
+  std::optional<Variant> value = object->DefaultValue();
+  if (!value) RaiseRuntimeError(kErrObjectDoesntSupport);
+  return SimpleValue(*value);
+}
+
 Comparison Compare(const Variant& a, const Variant& b) {
-  if (a.IsObject()) return Compare(Dereference(a), b);
-  if (b.IsObject()) return Compare(a, Dereference(b));
+  if (a.IsObject() || b.IsObject()) {
+    Variant left = SimpleValue(a);  // left first, so the left operand's error wins
+    return Compare(left, SimpleValue(b));
+  }
   if (a.IsNull() || b.IsNull()) return Comparison::kNull;
   if (a.IsError() && b.IsError()) return Comparison::kEqual;
   if (a.IsError() || b.IsError() || a.IsArray() || b.IsArray()) {

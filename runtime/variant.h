@@ -144,21 +144,26 @@ class Variant {
   [[noreturn]] static void ThrowTypeMismatch();
 
   // Variant arrays are shared and immutable, so copying a variant stays cheap.
-  std::variant<std::monostate, NullTag, std::int16_t, std::int32_t, float, double, Currency,
-               Date, std::string, bool, std::uint8_t, ErrorValue, ObjectRef, ByteArray,
+  std::variant<std::monostate, NullTag, std::int16_t, std::int32_t, float, double, Currency, Date,
+               std::string, bool, std::uint8_t, ErrorValue, ObjectRef, ByteArray,
                std::shared_ptr<const VariantArray>>
       value_;
 };
+
+/// The simple value behind a variant: the variant itself, or for an object the value of its default
+/// member (followed through objects). Raises 91 for `Nothing` and 438 for an object without a
+/// default value. Conversions and comparisons work on this value.
+Variant SimpleValue(const Variant& v);
 
 /// The platform's comparison of two variant values (Option Compare Binary).
 enum class Comparison { kLess, kEqual, kGreater, kNull };
 
 /// Compares as the platform's `=`/`<` do for two variant operands: Null on either side gives
-/// `kNull`; numbers compare numerically (a Double is rounded to Single against a Single, a float
-/// becomes Currency against a Currency); strings compare by UTF-16 code units; a number is less
-/// than a string; Empty is 0 against a number and "" against a string; two error values are equal.
-/// Raises 13 for exactly one error value or for arrays, 91 for `Nothing`, and compares an
-/// object's default value (438 without one).
+/// `kNull`; numbers compare numerically (a Double is rounded to Single against a Single, any other
+/// number against a Single compares as Double, a float becomes Currency against a Currency);
+/// strings compare by UTF-16 code units; a number is less than a string; Empty is 0 against a
+/// number and "" against a string; two error values are equal. Raises 13 for exactly one error
+/// value or for arrays, 91 for `Nothing`, and compares an object's default value (438 without one).
 Comparison Compare(const Variant& a, const Variant& b);
 
 /// `Compare(a, b) == kEqual`: a Null comparison counts as not equal.
