@@ -36,5 +36,9 @@ inline constexpr std::int32_t kErrSaveXMLDef = kObjectErrorBase + 10102;
 inline constexpr std::int32_t kXMLPropertyBagErrorBase = 29450;
 inline constexpr std::int32_t kErrInvalidVariantType = kObjectErrorBase + 1048 + 29451;
 inline constexpr std::int32_t kErrInvalidXMLFile = kObjectErrorBase + 1048 + 29452;
+/// Failures of the XML document itself, as its DOM reports them (E_FAIL): an invalid element
+/// name, an XPath expression that does not compile, undecodable Base64 text, a second document
+/// element, text that holds U+0000.
+inline constexpr std::int32_t kErrXMLDomFailure = static_cast<std::int32_t>(0x80004005u);
 
 }  // namespace brix
