@@ -42,8 +42,8 @@ double SystemClock::Now() const {
   std::tm local{};
   localtime_r(&seconds, &local);
   double day = DateSerial(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
-  double time = (local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec + millis / 1000.0) /
-                86400.0;
+  double time =
+      (local.tm_hour * 3600.0 + local.tm_min * 60.0 + local.tm_sec + millis / 1000.0) / 86400.0;
   return day + time;
 }
 

@@ -16,8 +16,8 @@ Error::Error(std::int32_t number, std::string source, std::string description,
       help_file_(std::move(help_file)),
       help_context_(help_context) {}
 
-void Raise(std::int32_t number, std::string source, std::string description,
-           std::string help_file, std::int32_t help_context) {
+void Raise(std::int32_t number, std::string source, std::string description, std::string help_file,
+           std::int32_t help_context) {
   throw Error(number, std::move(source), std::move(description), std::move(help_file),
               help_context);
 }

@@ -1,0 +1,64 @@
+// Text helpers: blank trimming, case folding, replacement and UTF-16 conversion and order.
+#include "runtime/text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace brix {
+namespace {
+
+TEST(TrimBlanks, RemovesSpacesOnly) {
+  EXPECT_EQ(TrimBlanks("  a b  "), "a b");
+  EXPECT_EQ(TrimBlanks("\ta\t"), "\ta\t");
+  EXPECT_EQ(TrimBlanks(" \t\r\n "), "\t\r\n");
+  EXPECT_EQ(TrimBlanks("\xC2\xA0x "), "\xC2\xA0x");  // no-break space stays
+  EXPECT_EQ(TrimBlanks("   "), "");
+  EXPECT_EQ(TrimBlanks(""), "");
+}
+
+TEST(FoldCase, FoldsLettersBeyondAscii) {
+  EXPECT_EQ(FoldCase("ĂÂÎȘȚ Abc"), "ăâîșț abc");
+  EXPECT_EQ(FoldCase("ŞŢ"), "şţ");
+  EXPECT_EQ(FoldCase("ŸÀÞ×"), "ÿàþ×");
+  EXPECT_EQ(FoldCase("ŁŃŽ"), "łńž");
+  EXPECT_EQ(FoldCase("ΑΩДЁ"), "αωдё");
+  EXPECT_EQ(UpperAscii("ăbc"), "ăBC");
+}
+
+TEST(ReplaceAll, ReplacesLeftToRightInOnePass) {
+  EXPECT_EQ(ReplaceAll("aaa", "aa", "b"), "ba");
+  EXPECT_EQ(ReplaceAll("a.b.c", ".", ".."), "a..b..c");
+  EXPECT_EQ(ReplaceAll("abc", "", "x"), "abc");
+  EXPECT_EQ(ReplaceAll("", "a", "x"), "");
+}
+
+TEST(Utf16, RoundTripsAndReplacesInvalidInput) {
+  const std::string text = "Ștefan €\U0001F600";
+  std::u16string wide = ToUtf16(text);
+  EXPECT_EQ(wide.size(), 10u);  // the emoji takes two code units
+  EXPECT_EQ(wide[8], 0xD83D);
+  EXPECT_EQ(wide[9], 0xDE00);
+  EXPECT_EQ(ToUtf8(wide), text);
+  EXPECT_EQ(ToUtf16("a\xFF"
+                    "b"),
+            u"a\uFFFD"
+            "b");
+  EXPECT_EQ(ToUtf16("\xE2\x82"), u"\uFFFD");        // cut short
+  EXPECT_EQ(ToUtf16("\xC0\xAF"), u"\uFFFD\uFFFD");  // overlong
+  EXPECT_EQ(ToUtf8(u"x\xD800y"), "x\xEF\xBF\xBDy");
+  EXPECT_EQ(ToUtf8(u"\xDC00"), "\xEF\xBF\xBD");
+}
+
+TEST(CompareUtf16Order, OrdersByCodeUnits) {
+  EXPECT_LT(CompareUtf16Order("\U0001F600", "\uFFFD"), 0);  // surrogates sort before U+E000..
+  EXPECT_GT(CompareUtf16Order("\uE000", "\U0001F600"), 0);
+  EXPECT_LT(CompareUtf16Order("\U0001F600", "\U0001F601"), 0);
+  EXPECT_LT(CompareUtf16Order("B", "a"), 0);
+  EXPECT_LT(CompareUtf16Order("ab", "abc"), 0);
+  EXPECT_GT(CompareUtf16Order("b", "abc"), 0);
+  EXPECT_EQ(CompareUtf16Order("Ș", "Ș"), 0);
+}
+
+}  // namespace
+}  // namespace brix
