@@ -1,0 +1,69 @@
+// A DOM document shared by a bag and the nested bags positioned in it.
+#pragma once
+
+#include <memory>
+#include <pugixml.hpp>
+#include <string_view>
+#include <vector>
+
+#include "persistence/xml_path_index.h"
+
+namespace brix {
+
+class NodeHold;
+
+/// The document of one or more bags, with its selection index. Every change to the tree goes
+/// through `Changed` or `Remove`, which drop the index.
+class SharedDocument {
+ public:
+  SharedDocument() = default;
+  SharedDocument(const SharedDocument&) = delete;
+  SharedDocument& operator=(const SharedDocument&) = delete;
+
+  pugi::xml_document& Dom() { return dom_; }
+  const pugi::xml_document& Dom() const { return dom_; }
+
+  /// The first node in document order that the whole-document `xpath` selects, or a null node.
+  /// The bag's own path forms are answered from the index, anything else by the XPath engine.
+  pugi::xml_node SelectFirst(std::string_view xpath);
+
+  /// Records a change of the tree.
+  void Changed() { index_.Clear(); }
+
+  /// Removes `node` and its subtree, deepest nodes first so that no recursion is needed. A bag
+  /// positioned inside the removed subtree loses its position.
+  void Remove(pugi::xml_node node);
+
+ private:
+  friend class NodeHold;
+
+  pugi::xml_document dom_;
+  PathIndex index_{dom_};
+  std::vector<NodeHold*> holds_;
+};
+
+/// A bag's current node. It keeps the node's document alive (setting a bag's contents replaces
+/// its document, not the node) and is cleared when the node is removed from the tree.
+class NodeHold {
+ public:
+  NodeHold() = default;
+  ~NodeHold() { Clear(); }
+  NodeHold(const NodeHold&) = delete;
+  NodeHold& operator=(const NodeHold&) = delete;
+
+  void Set(std::shared_ptr<SharedDocument> owner, pugi::xml_node node);
+  void Clear();
+
+  /// The node, or a null node when there is none.
+  pugi::xml_node Node() const { return node_; }
+  /// The document the node belongs to (kept even after the node was removed).
+  const std::shared_ptr<SharedDocument>& Owner() const { return owner_; }
+
+ private:
+  friend class SharedDocument;
+
+  std::shared_ptr<SharedDocument> owner_;
+  pugi::xml_node node_;
+};
+
+}  // namespace brix

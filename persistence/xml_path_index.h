@@ -1,0 +1,67 @@
+// Fast answers to the bag's own whole-document XPath selections, with XPath as the fallback.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace brix {
+
+/// True for an XML element name without a namespace prefix: a letter or "_" first, then letters,
+/// digits, "_", "-" or "."; characters outside ASCII are accepted anywhere.
+bool IsXmlName(std::string_view name);
+
+/// One step of an indexable path: an element name, optionally with a test of its "name"
+/// attribute.
+struct PathStep {
+  std::string_view name;
+  std::optional<std::string_view> name_attribute;
+};
+
+/// Splits "//A/B[@name="v"]/C[@name = "w"]" into its steps. Each step is a name (see
+/// `IsXmlName`) with no predicate, or with `[@name="v"]` or `[@name = "v"]` where v holds no
+/// double quote. `std::nullopt` for any other text.
+std::optional<std::vector<PathStep>> ParseIndexablePath(std::string_view xpath);
+
+/// The first node, in document order, that `xpath` selects from `context`, evaluated by the
+/// XPath engine; a null node when there is none. An expression that does not compile or does
+/// not give nodes raises `kErrXMLDomFailure`.
+pugi::xml_node SelectFirstByXPath(pugi::xml_node context, std::string_view xpath);
+
+/// Answers indexable whole-document paths from an index built on first use: per first step, the
+/// matching elements in document order (one scan of the document); per selection of a path
+/// prefix, the children of its elements grouped by name and by name plus "name" attribute.
+/// Selections are kept per prefix, so reading many sibling objects costs one lookup each. The
+/// index must be cleared whenever the document changes.
+class PathIndex {
+ public:
+  explicit PathIndex(const pugi::xml_document& document);
+  ~PathIndex();
+  PathIndex(const PathIndex&) = delete;
+  PathIndex& operator=(const PathIndex&) = delete;
+
+  /// The first node in document order that XPath would select for `xpath`, a null node when
+  /// none matches; `std::nullopt` when the path is not indexable.
+  std::optional<pugi::xml_node> SelectFirst(std::string_view xpath);
+
+  void Clear();
+
+ private:
+  struct Selection;
+
+  Selection* FirstStep(const PathStep& step);
+  Selection* NextStep(Selection& selection, const PathStep& step);
+  void GroupChildren(Selection& selection);
+  void SortInDocumentOrder(std::vector<pugi::xml_node>& nodes);
+
+  const pugi::xml_document& document_;
+  std::unordered_map<std::string, std::unique_ptr<Selection>> first_steps_;
+  std::unordered_map<const void*, std::size_t> document_order_;
+};
+
+}  // namespace brix

@@ -1,0 +1,306 @@
+// The XML property bag: values to elements and back, and whole object trees saved by class name.
+#include "persistence/xml_prop_bag.h"
+
+#include "persistence/bin_base64.h"
+#include "persistence/xml_prop_bag_errors.h"
+#include "persistence/xml_text_reader.h"
+#include "persistence/xml_text_writer.h"
+#include "persistence/xml_tree_walk.h"
+#include "runtime/conversions.h"
+#include "runtime/error_numbers.h"
+#include "runtime/text.h"
+
+namespace brix {
+namespace {
+
+constexpr const char* kDatatypesNamespace = "urn:schemas-microsoft-com:datatypes";
+
+/// How a value is written, decided in this order: Empty, Null, objects, error values, numbers,
+/// dates, text, byte arrays.
+enum class ValueKind { kObject, kEmpty, kNull, kNothing, kBytes, kText, kMarkup, kInvalid };
+
+struct ClassifiedValue {
+  ValueKind kind = ValueKind::kInvalid;
+  std::string text;
+  std::shared_ptr<IXMLPropBag> object;
+};
+
+ClassifiedValue ClassifyText(std::string text) {
+  const bool markup = text.find_first_of("<>") != std::string::npos;
+  return {markup ? ValueKind::kMarkup : ValueKind::kText, std::move(text), nullptr};
+}
+
+/// Values whose string form fails (an object without a default value, ...) cannot be written.
+ClassifiedValue ClassifyByStringForm(const Variant& value) {
+  std::string text;
+  try {
+    text = CStr(value);
+  } catch (const Error&) {
+    return {};
+  }
+  return ClassifyText(std::move(text));
+}
+
+ClassifiedValue Classify(const Variant& value) {
+  if (value.IsEmpty()) return {ValueKind::kEmpty, {}, nullptr};
+  if (value.IsNull()) return {ValueKind::kNull, {}, nullptr};
+  if (value.IsObject()) {
+    if (value.IsNothing()) return {ValueKind::kNothing, {}, nullptr};
+    if (auto object = std::dynamic_pointer_cast<IXMLPropBag>(value.AsObject())) {
+      return {ValueKind::kObject, {}, std::move(object)};
+    }
+    return ClassifyByStringForm(value);
+  }
+  if (value.IsError()) return {};
+  // Numbers, Booleans, dates and numeric or date texts are written as their string form, which
+  // never holds "<" or ">".
+  if (IsNumeric(value) || IsDate(value)) return {ValueKind::kText, CStr(value), nullptr};
+  if (!value.IsArray()) return ClassifyByStringForm(value);
+  return value.IsByteArray() ? ClassifiedValue{ValueKind::kBytes, {}, nullptr} : ClassifiedValue{};
+}
+
+[[noreturn]] void RaiseDomError(std::string description) {
+  RaiseXMLPropBagError(kErrXMLDomFailure, std::move(description));
+}
+
+/// The document keeps NUL-terminated strings, so a U+0000 would silently cut the text.
+void CheckStorable(std::string_view text) {
+  if (text.find('\0') != std::string_view::npos) {
+    RaiseDomError("Text that holds the character U+0000 cannot be stored in an XML document.");
+  }
+}
+
+void SetAttribute(pugi::xml_node element, const char* name, std::string_view value) {
+  element.append_attribute(name).set_value(value.data(), value.size());
+}
+
+void AppendText(pugi::xml_node element, pugi::xml_node_type type, std::string_view text) {
+  element.append_child(type).set_value(text.data(), text.size());
+}
+
+std::string NameFilter(std::string_view name) {
+  return name.empty() ? std::string() : "[@name=\"" + std::string(name) + "\"]";
+}
+
+/// The text of an element: all text and CDATA below it, in document order, untrimmed.
+std::string ElementText(pugi::xml_node element) {
+  std::string text;
+  for (pugi::xml_node node = element; node; node = NextInDocumentOrder(node, element)) {
+    if (node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) text += node.value();
+  }
+  return text;
+}
+
+/// The namespace URI bound to `prefix` where `element` stands, or an empty view.
+std::string_view NamespaceOf(pugi::xml_node element, std::string_view prefix) {
+  const std::string declaration = "xmlns:" + std::string(prefix);
+  for (pugi::xml_node node = element; node.type() == pugi::node_element; node = node.parent()) {
+    if (pugi::xml_attribute uri = node.attribute(declaration.c_str())) return uri.value();
+  }
+  return {};
+}
+
+/// The element's data type: the value of its "dt" attribute in the datatypes namespace,
+/// whatever the prefix.
+std::string_view DataTypeOf(pugi::xml_node element) {
+  for (pugi::xml_attribute attribute : element.attributes()) {
+    const std::string_view name = attribute.name();
+    const std::size_t colon = name.find(':');
+    if (colon == std::string_view::npos || name.substr(colon + 1) != "dt") continue;
+    if (NamespaceOf(element, name.substr(0, colon)) == kDatatypesNamespace) {
+      return attribute.value();
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+std::shared_ptr<XMLPropBag> XMLPropBag::Create() {
+  return std::shared_ptr<XMLPropBag>(new XMLPropBag());
+}
+
+void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& PropertyValue,
+                               const Variant& /*DefaultValue*/) {
+  ClassifiedValue value = Classify(PropertyValue);
+  if (value.kind == ValueKind::kInvalid) {
+    RaiseXMLPropBagError(kErrInvalidVariantType, "Invalid PropertyValue type.");
+  }
+  if (value.kind == ValueKind::kObject) {
+    CheckStorable(PropertyName);
+    pugi::xml_node element = AppendChildElement(value.object->TypeName());
+    SetAttribute(element, "name", PropertyName);
+    std::shared_ptr<XMLPropBag> nested = Create();
+    nested->SetCurrentNode(current_.Owner(), element);
+    value.object->WriteProperties(*nested);
+    return;
+  }
+  CheckStorable(value.text);
+  pugi::xml_node element = AppendChildElement(PropertyName);
+  switch (value.kind) {
+    case ValueKind::kEmpty:
+      SetAttribute(element, "vartype", "empty");
+      break;
+    case ValueKind::kNull:
+      SetAttribute(element, "vartype", "null");
+      break;
+    case ValueKind::kNothing:
+      SetAttribute(element, "vartype", "nothing");
+      break;
+    case ValueKind::kBytes: {
+      SetAttribute(element, "xmlns:dt", kDatatypesNamespace);
+      SetAttribute(element, "dt:dt", "bin.base64");
+      const std::string encoded = EncodeBinBase64(PropertyValue.AsByteArray());
+      if (!encoded.empty()) AppendText(element, pugi::node_pcdata, encoded);
+      break;
+    }
+    case ValueKind::kText:
+      // Empty text leaves the element without children, written as <Name/>.
+      if (!value.text.empty()) AppendText(element, pugi::node_pcdata, value.text);
+      break;
+    case ValueKind::kMarkup:
+      AppendText(element, pugi::node_cdata, value.text);
+      break;
+    default:
+      break;
+  }
+}
+
+Variant XMLPropBag::ReadProperty(std::string_view PropertyName, const Variant& DefaultValue) {
+  if (DefaultValue.IsObject() && !DefaultValue.IsNothing()) {
+    if (auto object = std::dynamic_pointer_cast<IXMLPropBag>(DefaultValue.AsObject())) {
+      return ReadObject(PropertyName, *object);
+    }
+  }
+  return ReadValue(PropertyName, DefaultValue);
+}
+
+// The selection runs over the whole document from this bag's path, not from the current node:
+// with several matching parents the first match in the document wins.
+Variant XMLPropBag::ReadObject(std::string_view PropertyName, IXMLPropBag& object) {
+  const std::string expression =
+      "//" + path_ + "/" + object.TypeName() + "[@name = \"" + std::string(PropertyName) + "\"]";
+  pugi::xml_node element = RequireDocument().SelectFirst(expression);
+  if (element) {
+    std::shared_ptr<XMLPropBag> nested = Create();
+    nested->SetCurrentNode(document_, element);
+    nested->SetPath(expression.substr(2));
+    object.ReadProperties(*nested);
+  }
+  return Variant();
+}
+
+Variant XMLPropBag::ReadValue(std::string_view PropertyName, const Variant& DefaultValue) {
+  pugi::xml_node element = SelectChild(PropertyName);
+  if (!element) return DefaultValue;
+  if (pugi::xml_attribute vartype = element.attribute("vartype")) {
+    const std::string kind = UpperAscii(vartype.value());
+    if (kind == "NULL") return Variant::Null();
+    if (kind == "EMPTY") return Variant();
+    if (kind == "NOTHING") return Variant::Nothing();
+  } else if (DataTypeOf(element) == "bin.base64") {
+    return Variant(DecodeBinBase64(ElementText(element)));
+  }
+  return Variant(ElementText(element));
+}
+
+// A plain name selects the first child element of that name; anything else goes to XPath.
+pugi::xml_node XMLPropBag::SelectChild(std::string_view PropertyName) {
+  pugi::xml_node parent = current_.Node();
+  if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
+  if (!IsXmlName(PropertyName)) return SelectFirstByXPath(parent, PropertyName);
+  for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
+    if (child.type() == pugi::node_element && PropertyName == child.name()) return child;
+  }
+  return {};
+}
+
+void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
+  if (!RootObject) return;
+  if (!document_) document_ = std::make_shared<SharedDocument>();
+  SharedDocument& document = *document_;
+  pugi::xml_node bag = document.SelectFirst("//PropertyBag");
+  if (!bag) {
+    if (document.Dom().document_element()) {
+      RaiseDomError("Only one top level element is allowed in an XML document.");
+    }
+    bag = document.Dom().append_child("PropertyBag");
+    document.Changed();
+  }
+  const std::string type = RootObject->TypeName();
+  path_ = type;
+  if (!IsXmlName(type)) RaiseDomError("'" + type + "' is not a valid element name.");
+  CheckStorable(sName);
+  pugi::xml_node replaced = document.SelectFirst("//PropertyBag/" + type + NameFilter(sName));
+  if (replaced && replaced.parent() != bag) {
+    RaiseDomError("The element to replace is not a child of the PropertyBag element.");
+  }
+  pugi::xml_node element =
+      replaced ? bag.insert_child_before(type.c_str(), replaced) : bag.append_child(type.c_str());
+  if (!sName.empty()) SetAttribute(element, "name", sName);
+  if (replaced) {
+    document.Remove(replaced);
+  } else {
+    document.Changed();
+  }
+  SetCurrentNode(document_, element);
+  RootObject->WriteProperties(*this);
+}
+
+void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
+  if (!RootObject) return;
+  SetPath("PropertyBag/" + RootObject->TypeName() + NameFilter(sName));
+  pugi::xml_node element = RequireDocument().SelectFirst("//" + path_);
+  if (!element) return;
+  SetCurrentNode(document_, element);
+  RootObject->ReadProperties(*this);
+}
+
+void XMLPropBag::DeleteObject(std::string_view sTypeName, std::string_view sName) {
+  SetPath("PropertyBag/" + std::string(sTypeName) + NameFilter(sName));
+  SharedDocument& document = RequireDocument();
+  pugi::xml_node element = document.SelectFirst("//" + path_);
+  if (!element) return;
+  if (element.parent() != document.SelectFirst("//PropertyBag")) {
+    RaiseDomError("The element to delete is not a child of the PropertyBag element.");
+  }
+  document.Remove(element);
+}
+
+std::string XMLPropBag::Contents() const {
+  return document_ ? WriteXmlText(document_->Dom()) : std::string();
+}
+
+void XMLPropBag::SetContents(std::string_view text) {
+  document_ = std::make_shared<SharedDocument>();
+  ReadXmlText(document_->Dom(), text);
+}
+
+const pugi::xml_document* XMLPropBag::Document() const {
+  return document_ ? &document_->Dom() : nullptr;
+}
+
+void XMLPropBag::SetDocument(const pugi::xml_document* /*document*/) {}
+
+void XMLPropBag::SetCurrentNode(const std::shared_ptr<SharedDocument>& owner,
+                                pugi::xml_node element) {
+  current_.Set(owner, element);
+  document_ = owner;
+}
+
+SharedDocument& XMLPropBag::RequireDocument() const {
+  if (!document_) RaiseRuntimeError(kErrObjectVariableNotSet);
+  return *document_;
+}
+
+pugi::xml_node XMLPropBag::AppendChildElement(std::string_view name) {
+  RequireDocument();
+  if (!IsXmlName(name)) RaiseDomError("'" + std::string(name) + "' is not a valid element name.");
+  pugi::xml_node parent = current_.Node();
+  if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
+  pugi::xml_node element = parent.append_child(std::string(name).c_str());
+  current_.Owner()->Changed();
+  return element;
+}
+
+}  // namespace brix

@@ -1,0 +1,104 @@
+// A keyed store of named variant values kept as an XML document, and the saving of whole object
+// trees into it.
+#pragma once
+
+#include <memory>
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+
+#include "persistence/ixml_prop_bag.h"
+#include "persistence/shared_xml_document.h"
+#include "runtime/object.h"
+#include "runtime/variant.h"
+
+namespace brix {
+
+/// The XML property bag. A document holds a "PropertyBag" element with one element per saved
+/// root object (named by its `TypeName()`, attribute "name" = the instance name when given);
+/// under an object element, one element per property in writing order, and one element per
+/// nested persistable object (named by its class, attribute "name" = the property name).
+///
+/// Values are written as: Empty, Null and Nothing as an empty element with attribute "vartype"
+/// = "empty", "null" or "nothing"; a byte array as typed "bin.base64" text; a number, Boolean or
+/// date, or anything the numeric test accepts, as its string form; any other value with a string
+/// form as text, or as a CDATA section when the text holds "<" or ">". Reading gives back
+/// strings (types are not restored), Empty, Null, Nothing or byte arrays.
+///
+/// Errors of the bag carry the source "brixobjects4.kelpXMLPBag". Errors of the document itself
+/// (an invalid element name, an XPath expression that does not compile, undecodable Base64 text,
+/// U+0000 in a text, a second document element) are `kErrXMLDomFailure` under the same source.
+/// Using the bag before it has a document or a current node raises 91.
+class XMLPropBag : public Object {
+ public:
+  static std::shared_ptr<XMLPropBag> Create();
+  XMLPropBag(const XMLPropBag&) = delete;
+  XMLPropBag& operator=(const XMLPropBag&) = delete;
+
+  std::string TypeName() const override { return "XMLPropBag"; }
+
+  /// Appends `PropertyValue` as a child element named `PropertyName` of the current node (a
+  /// persistable object as an element named by its class, filled by its `WriteProperties`).
+  /// Writing a name twice leaves two elements. `DefaultValue` is accepted and ignored. A value
+  /// without a string form (error values, arrays other than byte arrays) raises
+  /// -2147191005 "Invalid PropertyValue type." and adds nothing; no current node raises 91.
+  void WriteProperty(std::string_view PropertyName, const Variant& PropertyValue,
+                     const Variant& DefaultValue = Variant::Missing());
+
+  /// With a persistable object as `DefaultValue`: fills that object in place from the first
+  /// element in the document at this bag's path with the object's class and "name" =
+  /// `PropertyName`, and returns Empty (also when none matches). Otherwise: the value of the
+  /// first child of the current node that `PropertyName` selects as an XPath expression (a
+  /// plain name is a child element of that name), or `DefaultValue` when there is none. The
+  /// text of an element is the text of all its descendants, untrimmed.
+  Variant ReadProperty(std::string_view PropertyName,
+                       const Variant& DefaultValue = Variant::Missing());
+
+  /// Saves `RootObject` (null: nothing happens) as a root element named by its class, replacing
+  /// the first saved element of that class (and `sName`, when not empty), then lets the object
+  /// write its properties. Creates the document and its "PropertyBag" element on first use.
+  void SaveState(IXMLPropBag* RootObject, std::string_view sName = {});
+
+  /// Positions the bag on the first saved element of `RootObject`'s class (and `sName`, when
+  /// not empty) and lets the object read its properties; does nothing when there is none or
+  /// `RootObject` is null.
+  void RestoreState(IXMLPropBag* RootObject, std::string_view sName = {});
+
+  /// Removes the first saved element of type `sTypeName` (and `sName`, when not empty); no
+  /// match is no error.
+  void DeleteObject(std::string_view sTypeName, std::string_view sName = {});
+
+  /// The document as text: no declaration, no whitespace between elements, CR LF after the
+  /// document element; "" when the bag has no document.
+  std::string Contents() const;
+
+  /// Replaces the document by `text` parsed as XML (UTF-8). Declarations, comments and
+  /// processing instructions are dropped, and text made only of whitespace between elements.
+  /// Text that does not load, holds U+0000, several top-level elements, text at the top level
+  /// or a repeated attribute raises -2147191004 with the reason; the bag then holds an empty
+  /// document. The current node and path are kept.
+  void SetContents(std::string_view text);
+
+  /// The DOM document, or nullptr when the bag has none.
+  const pugi::xml_document* Document() const;
+  /// Accepted and ignored: the bag keeps its document.
+  void SetDocument(const pugi::xml_document* document);
+
+ private:
+  XMLPropBag() = default;
+
+  void SetCurrentNode(const std::shared_ptr<SharedDocument>& owner, pugi::xml_node element);
+  void SetPath(std::string path) { path_ = std::move(path); }
+
+  SharedDocument& RequireDocument() const;
+  pugi::xml_node AppendChildElement(std::string_view name);
+  Variant ReadObject(std::string_view PropertyName, IXMLPropBag& object);
+  Variant ReadValue(std::string_view PropertyName, const Variant& DefaultValue);
+  pugi::xml_node SelectChild(std::string_view PropertyName);
+
+  NodeHold current_;
+  std::shared_ptr<SharedDocument> document_;
+  std::string path_;
+};
+
+}  // namespace brix

@@ -1,0 +1,19 @@
+// Loads XML text into a DOM document, refusing what the platform's parser refuses.
+#pragma once
+
+#include <pugixml.hpp>
+#include <string_view>
+
+namespace brix {
+
+/// Parses UTF-8 `text` into `document` with the parser's default options: declarations,
+/// comments, processing instructions and whitespace-only text between elements are dropped,
+/// CR LF and lone CRs become LF, references are expanded, unknown entity references are kept
+/// as they are. Raises `kErrInvalidXMLFile` with the reason and leaves `document` empty: the
+/// parser's own text followed by " at line L, column C." (U+0000 gives "An Invalid character
+/// was found in text content at ..."), or for a tree the platform refuses "XML document must
+/// have a top level element.", "Only one top level element is allowed in an XML document.",
+/// "Invalid at the top level of the document." or "Duplicate attribute 'x'.".
+void ReadXmlText(pugi::xml_document& document, std::string_view text);
+
+}  // namespace brix
