@@ -73,8 +73,9 @@ class KeyedCollection {
 
  private:
   std::size_t IndexOf(const Variant& index) const {
-    if (index.IsString()) return IndexOfKey(index.AsString());
-    return IndexOfPosition(CLng(index));
+    Variant simple = SimpleValue(index);  // an object index stands for its default value
+    if (simple.IsString()) return IndexOfKey(simple.AsString());
+    return IndexOfPosition(CLng(simple));
   }
   std::size_t IndexOfPosition(std::int32_t position) const {
     if (position < 1 || position > Count()) RaiseRuntimeError(kErrSubscriptOutOfRange);

@@ -44,6 +44,7 @@ TEST(KeyedCollection, FindsItemsByOneBasedPositionAndByKey) {
   EXPECT_EQ(c.Item(Variant(1.5)), "b");  // positions round half to even
   EXPECT_EQ(c.Item(Variant(2.5)), "b");
   EXPECT_EQ(c.Item(Variant(Currency{35000})), "d");
+  EXPECT_EQ(c.Item(test_support::ObjectWith(Variant("KeyC"))), "c");
   EXPECT_EQ(Items(c), (std::vector<std::string>{"a", "b", "c", "d"}));
   EXPECT_EQ(c.FindKey("nope"), nullptr);
   ASSERT_NE(c.FindKey("kEyA"), nullptr);
