@@ -1,10 +1,12 @@
 // Conversions between variant kinds, the number syntax and the en-US date reader.
 #include "runtime/conversions.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "runtime/clock.h"
@@ -29,8 +31,6 @@ bool IsBlank(char c) {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
-
-// ---- Numbers ----
 
 // Reads one number text: leading symbols, the digits, trailing symbols, nothing else.
 class NumberReader {
@@ -195,12 +195,6 @@ std::int32_t ErrorNumber(std::int32_t code) {
   return code;
 }
 
-// ---- Dates ----
-
-constexpr std::array<std::string_view, 12> kMonthNames = {
-    "january", "february", "march",     "april",   "may",      "june",
-    "july",    "august",   "september", "october", "november", "december"};
-
 // A date text cut into numbers, words and separators; blanks only separate.
 struct DateToken {
   enum Kind { kNumber, kWord, kSeparator } kind;
@@ -252,8 +246,9 @@ std::optional<int> HalfDayOffset(const DateToken& t) {
 // 1..12 for a month name or its first three or more letters.
 std::optional<int> MonthOfName(const std::string& word) {
   if (word.size() < 3) return std::nullopt;
-  for (std::size_t i = 0; i < kMonthNames.size(); ++i) {
-    if (kMonthNames[i].starts_with(word)) return static_cast<int>(i) + 1;
+  for (int month = 1; month <= 12; ++month) {
+    std::string_view name = MonthName(month);
+    if (name.size() >= word.size() && FoldCase(name.substr(0, word.size())) == word) return month;
   }
   return std::nullopt;
 }

@@ -2,10 +2,13 @@
 // arithmetic and the platform's date formatting (en-US).
 #include "runtime/dates.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "runtime/conversions.h"
@@ -125,8 +128,6 @@ std::string General(const DateTimeParts& p) {
 int DayOfYear(const DateTimeParts& p) {
   return static_cast<int>(p.day - DaysFromCivil(p.date.year, 1, 1)) + 1;
 }
-
-// ---- Format patterns ----
 
 enum class Field {
   kLiteral,
@@ -358,11 +359,9 @@ std::string Render(const PatternToken& token, const DateTimeParts& p, bool twelv
 
 // The day number a Format value stands for, or nullopt when it is not one.
 std::optional<double> FormatSerial(const Variant& v) {
-  if (v.IsString()) {
-    if (std::optional<double> date = ParseDate(v.AsString())) return date;
-  }
   std::optional<double> number;
   if (v.IsString()) {
+    if (std::optional<double> date = ParseDate(v.AsString())) return date;
     number = ParseNumber(v.AsString());
   } else if (v.IsNumericKind()) {
     number = v.NumericValue();
@@ -375,7 +374,10 @@ std::optional<double> FormatSerial(const Variant& v) {
 
 double DateSerial(int year, int month, int day) {
   for (int argument : {year, month, day}) {
-    if (argument < INT16_MIN || argument > INT16_MAX) RaiseRuntimeError(kErrOverflow);
+    if (argument < std::numeric_limits<std::int16_t>::min() ||
+        argument > std::numeric_limits<std::int16_t>::max()) {
+      RaiseRuntimeError(kErrOverflow);
+    }
   }
   if (year >= 0 && year < 30) year += 2000;
   if (year >= 30 && year < 100) year += 1900;
@@ -420,6 +422,8 @@ double DateAdd(DateInterval interval, double number, double serial) {
   if (day < kFirstDay || day > kLastDay) RaiseRuntimeError(kErrInvalidProcedureCall);
   return CombineDateTime(static_cast<double>(day), start.time);
 }
+
+std::string_view MonthName(int month) { return kMonthNames.at(month - 1); }
 
 double DatePart(double serial) { return std::floor(serial); }
 

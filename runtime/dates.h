@@ -60,6 +60,9 @@ int Weekday(double serial, FirstDayOfWeek first_day = vbSunday);
 /// (31 January + 1 month is 28 or 29 February). A result before year 100 or after 9999 raises 5.
 double DateAdd(DateInterval interval, double number, double serial);
 
+/// The en-US name of a month 1..12 ("January").
+std::string_view MonthName(int month);
+
 /// The day part of a day number (the platform's `Int` on a date, correct for the dates >= 0).
 double DatePart(double serial);
 
