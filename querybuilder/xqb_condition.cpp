@@ -1,0 +1,33 @@
+// Condition: stored values and their derived texts.
+#include "querybuilder/xqb_condition.h"
+
+#include "querybuilder/clause_catalogue.h"
+
+namespace brix {
+
+std::shared_ptr<xqb_Condition> xqb_Condition::Create() {
+  return std::shared_ptr<xqb_Condition>(new xqb_Condition());
+}
+
+void xqb_Condition::SetClause(qbe_ClauseOperator value) {
+  clause_ = value;
+  KeyChanged();
+}
+
+void xqb_Condition::SetValue(const Variant& value) {
+  value_ = value;
+  KeyChanged();
+}
+
+void xqb_Condition::SetSecondaryValue(const Variant& value) {
+  secondary_value_ = value;
+  KeyChanged();
+}
+
+std::string xqb_Condition::ClauseDescription() const { return brix::ClauseDescription(clause_); }
+
+std::string xqb_Condition::WhereClauseDescription() const {
+  return WhereClauseLogicDescription(where_clause_logic_);
+}
+
+}  // namespace brix
