@@ -1,0 +1,40 @@
+// Database-name normalisation: the plain and the dotted rule differ on purpose.
+#include "querybuilder/db_name.h"
+
+#include <gtest/gtest.h>
+
+namespace brix {
+namespace {
+
+TEST(NormalizeDBName, PlainAndDottedNames) {
+  struct Case {
+    const char* given;
+    const char* stored;
+  } const cases[] = {
+      {"Order Date", "[Order Date]"},
+      {" Order Date ", "[Order Date]"},
+      {"Orders", "Orders"},
+      {"  Orders  ", "Orders"},
+      {"Sum(Amount) x", "Sum(Amount) x"},
+      {" Sum(Amount) x ", "Sum(Amount) x"},
+      {"[Order Date]", "[Order Date]"},
+      {"a)b c", "[a)b c]"},  // only the dotted rule looks at ")"
+      {"x [y]", "[x [y]]"},  // only the dotted rule looks at "[" inside
+      {"a\tb", "a\tb"},
+      {"", ""},
+      {"   ", ""},
+      {"dbo.Order Date", "dbo.[Order Date]"},
+      {"dbo. Order", "dbo.[ Order]"},
+      {" dbo . Orders ", "[ dbo ].[ Orders ]"},
+      {"dbo.a)b c", "dbo.a)b c"},
+      {"dbo.x [y]", "dbo.x [y]"},
+      {"dbo.[Order Date]", "dbo.[Order Date]"},
+      {"a..b", "a..b"},
+      {".", "."},
+      {"dbo.Sum(x) y", "dbo.Sum(x) y"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(NormalizeDBName(c.given), c.stored) << c.given;
+}
+
+}  // namespace
+}  // namespace brix
