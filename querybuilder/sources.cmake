@@ -4,11 +4,15 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/condition_index.h
   querybuilder/db_name.h
   querybuilder/indexed_collection.h
+  querybuilder/name_index.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
   querybuilder/xqb_definitions.h
   querybuilder/xqb_field.h
+  querybuilder/xqb_fields.h
   querybuilder/xqb_module.h
+  querybuilder/xqb_table.h
+  querybuilder/xqb_tables.h
 )
 set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/clause_catalogue.cpp
@@ -18,5 +22,8 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/xqb_condition.cpp
   querybuilder/xqb_conditions.cpp
   querybuilder/xqb_field.cpp
+  querybuilder/xqb_fields.cpp
   querybuilder/xqb_module.cpp
+  querybuilder/xqb_table.cpp
+  querybuilder/xqb_tables.cpp
 )

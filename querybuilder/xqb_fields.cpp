@@ -1,0 +1,51 @@
+// The fields collection: existence test and adding by name or object.
+#include "querybuilder/xqb_fields.h"
+
+#include <optional>
+
+#include "runtime/error.h"
+#include "runtime/error_numbers.h"
+
+namespace brix {
+namespace {
+
+constexpr std::string_view kFieldExistsText =
+    "A field with this name already exists in this table!";
+
+}  // namespace
+
+std::shared_ptr<xqb_Fields> xqb_Fields::Create() {
+  return std::shared_ptr<xqb_Fields>(new xqb_Fields());
+}
+
+std::shared_ptr<xqb_Field> xqb_Fields::Add(std::string_view db_name) {
+  if (FieldExists(db_name)) Raise(kErrFieldExists, "[Add Field]", std::string(kFieldExistsText));
+  auto field = xqb_Field::Create();
+  field->SetDBName(db_name);
+  field->SetAlias(std::string(db_name));
+  field->SetCaption(std::string(db_name));
+  AddItem(field, field->DBName());
+  return field;
+}
+
+void xqb_Fields::AddObjectField(std::shared_ptr<xqb_Field> field) {
+  if (!field) RaiseRuntimeError(kErrObjectVariableNotSet);
+  if (FieldExists(field->DBName())) {
+    Raise(kErrFieldExists, "[AddObjectField]", std::string(kFieldExistsText));
+  }
+  std::string key = field->DBName();
+  AddItem(std::move(field), key);
+}
+
+bool xqb_Fields::FieldExists(std::string_view field_name) {
+  bool found = CurrentIndex().Contains(field_name);
+  if (!found) CheckSearchCounter(Count());
+  return found;
+}
+
+void xqb_Fields::AddListed(std::shared_ptr<xqb_Field> field) {
+  std::string key = field->DBName();
+  AddItem(std::move(field), HasKey(key) ? std::nullopt : std::optional<std::string_view>(key));
+}
+
+}  // namespace brix

@@ -1,0 +1,26 @@
+// Table: normalised name and its fields collection.
+#include "querybuilder/xqb_table.h"
+
+#include "querybuilder/db_name.h"
+#include "runtime/error.h"
+#include "runtime/error_numbers.h"
+
+namespace brix {
+
+xqb_Table::xqb_Table() : fields_(xqb_Fields::Create()) {}
+
+std::shared_ptr<xqb_Table> xqb_Table::Create() {
+  return std::shared_ptr<xqb_Table>(new xqb_Table());
+}
+
+void xqb_Table::SetDBName(std::string_view value) {
+  db_name_ = NormalizeDBName(value);
+  KeyChanged();
+}
+
+std::shared_ptr<xqb_Fields> xqb_Table::Fields() const {
+  if (!fields_) RaiseRuntimeError(kErrObjectVariableNotSet);
+  return fields_;
+}
+
+}  // namespace brix
