@@ -5,12 +5,14 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/db_name.h
   querybuilder/indexed_collection.h
   querybuilder/name_index.h
+  querybuilder/vocabulary_lists.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
   querybuilder/xqb_definitions.h
   querybuilder/xqb_field.h
   querybuilder/xqb_fields.h
   querybuilder/xqb_module.h
+  querybuilder/xqb_query.h
   querybuilder/xqb_table.h
   querybuilder/xqb_tables.h
 )
@@ -19,11 +21,13 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/condition_index.cpp
   querybuilder/db_name.cpp
   querybuilder/indexed_collection.cpp
+  querybuilder/vocabulary_lists.cpp
   querybuilder/xqb_condition.cpp
   querybuilder/xqb_conditions.cpp
   querybuilder/xqb_field.cpp
   querybuilder/xqb_fields.cpp
   querybuilder/xqb_module.cpp
+  querybuilder/xqb_query.cpp
   querybuilder/xqb_table.cpp
   querybuilder/xqb_tables.cpp
 )

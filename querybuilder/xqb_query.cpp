@@ -1,0 +1,132 @@
+// Query: creation defaults and the walks over tables, fields and conditions.
+#include "querybuilder/xqb_query.h"
+
+#include <limits>
+#include <vector>
+
+#include "querybuilder/clause_catalogue.h"
+#include "querybuilder/vocabulary_lists.h"
+#include "runtime/clock.h"
+#include "runtime/error.h"
+#include "runtime/error_numbers.h"
+#include "runtime/version.h"
+
+namespace brix {
+namespace {
+
+// Every field of the query, tables and their fields in collection order.
+std::vector<std::shared_ptr<xqb_Field>> FieldsInTreeOrder(const xqb_Tables& tables) {
+  std::vector<std::shared_ptr<xqb_Field>> fields;
+  for (const auto& table : tables) {
+    for (const auto& field : *table->Fields()) fields.push_back(field);
+  }
+  return fields;
+}
+
+// Fields with a free place 1..n by UIOrder first, in that order, then the others in tree order.
+std::vector<std::shared_ptr<xqb_Field>> FieldsInUIOrder(
+    const std::vector<std::shared_ptr<xqb_Field>>& fields) {
+  const auto count = static_cast<std::int64_t>(fields.size());
+  std::vector<std::shared_ptr<xqb_Field>> places(fields.size());
+  std::vector<std::shared_ptr<xqb_Field>> others;
+  for (const auto& field : fields) {
+    std::int64_t place = field->UIOrder();
+    if (place >= 1 && place <= count && !places[place - 1]) {
+      places[place - 1] = field;
+    } else {
+      others.push_back(field);
+    }
+  }
+  std::erase(places, nullptr);
+  places.insert(places.end(), others.begin(), others.end());
+  return places;
+}
+
+}  // namespace
+
+xqb_Query::xqb_Query()
+    : today_(static_cast<std::int32_t>(SystemDate())), tables_(xqb_Tables::Create()) {}
+
+std::shared_ptr<xqb_Query> xqb_Query::Create() {
+  return std::shared_ptr<xqb_Query>(new xqb_Query());
+}
+
+std::shared_ptr<xqb_Tables> xqb_Query::Tables() const {
+  if (!tables_) RaiseRuntimeError(kErrObjectVariableNotSet);
+  return tables_;
+}
+
+void xqb_Query::TableFieldFromCondition(std::int32_t condition_id, std::string& table,
+                                        std::string& field) {
+  for (const auto& each_table : *Tables()) {
+    for (const auto& each_field : *each_table->Fields()) {
+      for (const auto& condition : *each_field->Conditions()) {
+        if (condition->ConditionID() == condition_id) {
+          table = each_table->DBName();
+          field = each_field->DBName();
+          return;
+        }
+      }
+    }
+  }
+}
+
+void xqb_Query::DeleteAllConditions() {
+  for (const auto& field : FieldsInTreeOrder(*Tables())) field->Conditions()->Clear();
+}
+
+Variant xqb_Query::ReturnAllClauses() {
+  VariantArray rows;
+  for (const auto& table : *Tables()) {
+    for (const auto& field : *table->Fields()) {
+      for (const auto& condition : *field->Conditions()) {
+        rows.items.emplace_back(VariantArray{{
+            Variant(table->DBName()),
+            Variant(field->DBName()),
+            Variant(condition->ConditionID()),
+            Variant(static_cast<std::int32_t>(condition->Clause())),
+            Variant(condition->ClauseDescription()),
+            condition->Value(),
+            condition->SecondaryValue(),
+            Variant(static_cast<std::int32_t>(condition->WhereClauseLogic())),
+            Variant(condition->ParamName()),
+        }});
+      }
+    }
+  }
+  return Variant(std::move(rows));
+}
+
+std::shared_ptr<xqb_Fields> xqb_Query::Fields(qbe_OrderType order_type) {
+  std::vector<std::shared_ptr<xqb_Field>> fields = FieldsInTreeOrder(*Tables());
+  if (order_type == qbe_OrderUI) fields = FieldsInUIOrder(fields);
+  auto result = xqb_Fields::Create();
+  for (auto& field : fields) result->AddListed(std::move(field));
+  return result;
+}
+
+std::int32_t xqb_Query::ReturnConditionsCount() {
+  std::int64_t count = 0;
+  for (const auto& field : FieldsInTreeOrder(*Tables())) count += field->Conditions()->Count();
+  if (count > std::numeric_limits<std::int32_t>::max()) RaiseRuntimeError(kErrOverflow);
+  return static_cast<std::int32_t>(count);
+}
+
+std::string xqb_Query::GetVersion() const {
+  return std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." +
+         std::to_string(kVersionRevision);
+}
+
+bool xqb_Query::FieldExists(std::string_view db_name) {
+  for (const auto& table : *Tables()) {
+    if (table->Fields()->FieldExists(db_name)) return true;
+  }
+  return false;
+}
+
+Variant xqb_Query::GetDataTypes() const { return DataTypeList(); }
+Variant xqb_Query::GetControlTypes() const { return ControlTypeList(); }
+Variant xqb_Query::GetSortTypes() const { return SortTypeList(); }
+Variant xqb_Query::GetAggregateFunctions() const { return AggregateFunctionList(); }
+
+}  // namespace brix

@@ -1,0 +1,148 @@
+// The root of a query definition: query-wide settings, the tables, and the walks over the tree.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "querybuilder/xqb_definitions.h"
+#include "querybuilder/xqb_fields.h"
+#include "querybuilder/xqb_tables.h"
+#include "runtime/object.h"
+#include "runtime/variant.h"
+
+namespace brix {
+
+/// A query: its settings are plain stored values (none validates); `Tables` starts as a new empty
+/// collection and `Today` as the library clock's date when the query is created. Walks visit the
+/// tables, each table's fields and each field's conditions in collection order; the first match
+/// wins. Errors of the tree reach the caller unchanged.
+class xqb_Query : public Object {
+ public:
+  static std::shared_ptr<xqb_Query> Create();
+  xqb_Query(const xqb_Query&) = delete;
+  xqb_Query& operator=(const xqb_Query&) = delete;
+
+  std::string TypeName() const override { return "xqb_Query"; }
+
+  // Full-text options, default False.
+  bool bSYN() const { return b_syn_; }
+  void SetbSYN(bool value) { b_syn_ = value; }
+  bool bUsePhonicSearching() const { return b_use_phonic_searching_; }
+  void SetbUsePhonicSearching(bool value) { b_use_phonic_searching_ = value; }
+  bool bUseStemming() const { return b_use_stemming_; }
+  void SetbUseStemming(bool value) { b_use_stemming_ = value; }
+  bool bUseNaturalLanguage() const { return b_use_natural_language_; }
+  void SetbUseNaturalLanguage(bool value) { b_use_natural_language_ = value; }
+  bool bUseWordNetSynonyms() const { return b_use_word_net_synonyms_; }
+  void SetbUseWordNetSynonyms(bool value) { b_use_word_net_synonyms_ = value; }
+
+  /// Opaque rights text kept for the host. Default "".
+  const std::string& AccessRights() const { return access_rights_; }
+  void SetAccessRights(std::string value) { access_rights_ = std::move(value); }
+
+  // Presentation settings kept for the host. Defaults 0, 0, False.
+  qbe_GridLineStyle GridLineStyle() const { return grid_line_style_; }
+  void SetGridLineStyle(qbe_GridLineStyle value) { grid_line_style_ = value; }
+  qbe_GridLines GridLines() const { return grid_lines_; }
+  void SetGridLines(qbe_GridLines value) { grid_lines_ = value; }
+  bool ShadeGroupHeadings() const { return shade_group_headings_; }
+  void SetShadeGroupHeadings(bool value) { shade_group_headings_ = value; }
+
+  /// Reference day of relative date conditions, a whole day number. Default the clock's date at
+  /// creation.
+  std::int32_t Today() const { return today_; }
+  void SetToday(std::int32_t value) { today_ = value; }
+
+  const std::string& QueryName() const { return query_name_; }
+  void SetQueryName(std::string value) { query_name_ = std::move(value); }
+  const std::string& QueryDescription() const { return query_description_; }
+  void SetQueryDescription(std::string value) { query_description_ = std::move(value); }
+
+  /// Kind of linking between tables. Default `qbe_LinksNone` (1).
+  qbe_LinksType QueryType() const { return query_type_; }
+  void SetQueryType(qbe_LinksType value) { query_type_ = value; }
+
+  /// SQL dialect. Default `qbe_StatementAccess` (1).
+  qbe_StatementType StatementType() const { return statement_type_; }
+  void SetStatementType(qbe_StatementType value) { statement_type_ = value; }
+
+  /// SELECT DISTINCT. Default False.
+  bool DistinctRows() const { return distinct_rows_; }
+  void SetDistinctRows(bool value) { distinct_rows_ = value; }
+
+  bool GroupsCollapsed() const { return groups_collapsed_; }
+  void SetGroupsCollapsed(bool value) { groups_collapsed_ = value; }
+
+  /// The tables (the held collection itself). Raises 91 when a null collection was assigned.
+  std::shared_ptr<xqb_Tables> Tables() const;
+  /// Replaces the whole tree by the given collection itself (shared, not copied); null makes the
+  /// getter raise 91.
+  void SetTables(std::shared_ptr<xqb_Tables> value) { tables_ = std::move(value); }
+
+  const std::string& Tag() const { return tag_; }
+  void SetTag(std::string value) { tag_ = std::move(value); }
+
+  /// Writes the `DBName` of the table and of the field that hold the first condition whose
+  /// `ConditionID` is `condition_id`; when none does, both arguments keep what they held.
+  void TableFieldFromCondition(std::int32_t condition_id, std::string& table, std::string& field);
+
+  /// Empties the conditions of every field of every table.
+  void DeleteAllConditions();
+
+  /// One row per condition, in tree order: a variant holding an array (lower bound 0) of arrays
+  /// (lower bound 0) [table DBName, field DBName, ConditionID (Long), Clause (Long), clause text,
+  /// Value, SecondaryValue, WhereClauseLogic (Long), ParamName]. No conditions give an empty
+  /// array.
+  Variant ReturnAllClauses();
+
+  /// A new collection holding every field of the query (the field objects themselves), each under
+  /// its `DBName`, or without a key when an earlier field took that key (fields of different
+  /// tables may share a name).
+  /// `qbe_OrderUI`: with n fields in all, a field whose `UIOrder` is in 1..n takes that place
+  /// unless an earlier field (tree order) took it; the placed fields come first, in `UIOrder`,
+  /// then every other field (`UIOrder` 0, above n, or a taken place) in tree order.
+  /// Any other value, `qbe_Unordered` included: tree order.
+  std::shared_ptr<xqb_Fields> Fields(qbe_OrderType order_type);
+
+  /// The sum of the condition counts of all fields of all tables.
+  std::int32_t ReturnConditionsCount();
+
+  /// The library's version, "Major.Minor.Revision".
+  std::string GetVersion() const;
+
+  /// True when a field of some table has exactly `db_name` as `DBName` (case-sensitive, not
+  /// normalised).
+  bool FieldExists(std::string_view db_name);
+
+  // Value/caption lists, in their published order (see vocabulary_lists.h).
+  Variant GetDataTypes() const;
+  Variant GetControlTypes() const;
+  Variant GetSortTypes() const;
+  Variant GetAggregateFunctions() const;
+
+ private:
+  xqb_Query();
+
+  bool b_syn_ = false;
+  bool b_use_phonic_searching_ = false;
+  bool b_use_stemming_ = false;
+  bool b_use_natural_language_ = false;
+  bool b_use_word_net_synonyms_ = false;
+  std::string access_rights_;
+  qbe_GridLineStyle grid_line_style_ = qbe_GridLineStyleSolid;
+  qbe_GridLines grid_lines_ = qbe_GridLinesNone;
+  bool shade_group_headings_ = false;
+  std::int32_t today_ = 0;
+  std::string query_name_;
+  std::string query_description_;
+  qbe_LinksType query_type_ = qbe_LinksNone;
+  qbe_StatementType statement_type_ = qbe_StatementAccess;
+  bool distinct_rows_ = false;
+  bool groups_collapsed_ = false;
+  std::shared_ptr<xqb_Tables> tables_;
+  std::string tag_;
+};
+
+}  // namespace brix
