@@ -5,7 +5,9 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/db_name.h
   querybuilder/indexed_collection.h
   querybuilder/name_index.h
+  querybuilder/statement_builder.h
   querybuilder/vocabulary_lists.h
+  querybuilder/where_renderer.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
   querybuilder/xqb_definitions.h
@@ -21,7 +23,9 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/condition_index.cpp
   querybuilder/db_name.cpp
   querybuilder/indexed_collection.cpp
+  querybuilder/statement_builder.cpp
   querybuilder/vocabulary_lists.cpp
+  querybuilder/where_renderer.cpp
   querybuilder/xqb_condition.cpp
   querybuilder/xqb_conditions.cpp
   querybuilder/xqb_field.cpp

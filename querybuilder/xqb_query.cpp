@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "querybuilder/clause_catalogue.h"
+#include "querybuilder/statement_builder.h"
 #include "querybuilder/vocabulary_lists.h"
+#include "querybuilder/where_renderer.h"
 #include "runtime/clock.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -95,6 +97,26 @@ Variant xqb_Query::ReturnAllClauses() {
     }
   }
   return Variant(std::move(rows));
+}
+
+std::string xqb_Query::ReturnTables() const { return StatementBuilder(*this).ReturnTables(); }
+
+std::string xqb_Query::ReturnAllFields(bool simple_fields) const {
+  return StatementBuilder(*this).ReturnAllFields(simple_fields);
+}
+
+std::string xqb_Query::ReturnOrderByFields() const {
+  return StatementBuilder(*this).ReturnOrderByFields();
+}
+
+std::string xqb_Query::ReturnSQL(std::int32_t top_records) const {
+  return StatementBuilder(*this).ReturnSQL(top_records);
+}
+
+std::string xqb_Query::ReturnWHEREConditions(bool simple_fields, std::shared_ptr<xqb_Table> tabela,
+                                             bool with_join_conditions) const {
+  return WhereRenderer(*this).ReturnWHEREConditions(simple_fields, std::move(tabela),
+                                                    with_join_conditions);
 }
 
 std::shared_ptr<xqb_Fields> xqb_Query::Fields(qbe_OrderType order_type) {

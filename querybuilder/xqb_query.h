@@ -97,6 +97,17 @@ class xqb_Query : public Object {
   /// array.
   Variant ReturnAllClauses();
 
+  // The statement and its lists (see statement_builder.h).
+  std::string ReturnTables() const;
+  std::string ReturnAllFields(bool simple_fields = true) const;
+  std::string ReturnOrderByFields() const;
+  std::string ReturnSQL(std::int32_t top_records = 0) const;
+
+  /// The filter text (see where_renderer.h).
+  std::string ReturnWHEREConditions(bool simple_fields = true,
+                                    std::shared_ptr<xqb_Table> tabela = nullptr,
+                                    bool with_join_conditions = false) const;
+
   /// A new collection holding every field of the query (the field objects themselves), each under
   /// its `DBName`, or without a key when an earlier field took that key (fields of different
   /// tables may share a name).

@@ -1,0 +1,164 @@
+// SELECT statement assembly: the field lists by slot and tail, the table list, the clause order.
+#include "querybuilder/statement_builder.h"
+
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "querybuilder/where_renderer.h"
+#include "querybuilder/xqb_query.h"
+#include "runtime/error.h"
+#include "runtime/error_numbers.h"
+
+namespace brix {
+namespace {
+
+constexpr std::string_view kSeparator = ", ";
+
+void CutSeparator(std::string& text) {
+  if (!text.empty()) text.resize(text.size() - kSeparator.size());
+}
+
+// Items placed by position into slots lowest..count, and a tail for the items that find no free
+// slot. Only slots 1..count are written; "empty" means an empty text.
+class SlotList {
+ public:
+  SlotList(std::int64_t count, std::int64_t lowest)
+      : lowest_(lowest), slots_(static_cast<std::size_t>(count + 1)) {}
+
+  /// Into slot `position` when it exists and is empty, else to the tail; a position below the
+  /// lowest slot raises 9.
+  void Place(std::string item, std::int64_t position) {
+    if (position < lowest_) RaiseRuntimeError(kErrSubscriptOutOfRange);
+    auto index = static_cast<std::size_t>(position);
+    if (index < slots_.size() && slots_[index].empty()) {
+      slots_[index] = std::move(item);
+    } else {
+      AddToTail(item);
+    }
+  }
+
+  void AddToTail(std::string_view item) { tail_.append(item).append(kSeparator); }
+
+  /// The filled slots 1..count in order, then the tail, joined by ", ".
+  std::string Join() {
+    std::string placed;
+    for (std::size_t i = 1; i < slots_.size(); ++i) {
+      if (!slots_[i].empty()) placed.append(slots_[i]).append(kSeparator);
+    }
+    CutSeparator(placed);
+    CutSeparator(tail_);
+    if (placed.empty()) return std::move(tail_);
+    if (!tail_.empty()) placed.append(kSeparator).append(tail_);
+    return placed;
+  }
+
+ private:
+  std::int64_t lowest_;
+  std::vector<std::string> slots_;
+  std::string tail_;
+};
+
+// Calls visit(table, field) for every field of every table, in collection order.
+template <class Visit>
+void ForEachField(const xqb_Query& query, Visit visit) {
+  std::shared_ptr<xqb_Tables> tables = query.Tables();
+  for (const auto& table : *tables) {
+    std::shared_ptr<xqb_Fields> fields = table->Fields();
+    for (const auto& field : *fields) visit(*table, *field);
+  }
+}
+
+std::int64_t FieldCount(const xqb_Query& query) {
+  std::int64_t count = 0;
+  std::shared_ptr<xqb_Tables> tables = query.Tables();
+  for (const auto& table : *tables) count += table->Fields()->Count();
+  return count;
+}
+
+std::string Bracketed(std::string_view name) { return "[" + std::string(name) + "]"; }
+
+std::string SelectItem(const xqb_Table& table, const xqb_Field& field, bool simple_fields) {
+  if (!field.CalculatedFormula().empty()) {
+    return field.CalculatedFormula() + " AS " + field.DBName();
+  }
+  if (simple_fields) return field.DBName();
+  return Bracketed(table.DBName()) + "." + field.DBName() + " AS " + field.Alias();
+}
+
+std::string_view SortSuffix(qbe_SortType order) {
+  switch (order) {
+    case qbe_SortDescending:
+      return " DESC";
+    case qbe_SortAscending:
+      return " ASC";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+std::string StatementBuilder::ReturnSQL(std::int32_t top_records) const {
+  if (query_.Tables()->Count() == 0) return "";
+  WhereRenderer where(query_);
+  bool has_filter = !where.ReturnWHEREConditions(false, nullptr, true).empty();
+  std::string order_by = ReturnOrderByFields();
+  std::string group_by = ReturnGroupByFields();
+  std::string sql = query_.DistinctRows() ? "SELECT DISTINCT " : "SELECT ";
+  sql.append(ReturnAllFields(false)).append(" FROM ").append(ReturnTables());
+  // The first evaluation only decides whether the clause is written; the text is a second one.
+  if (has_filter) sql.append(" WHERE ").append(where.ReturnWHEREConditions(false, nullptr, true));
+  if (!group_by.empty()) sql.append(" GROUP BY ").append(group_by);
+  if (!order_by.empty()) sql.append(" ORDER BY ").append(order_by);
+  if (top_records != 0) sql.append(" LIMIT ").append(std::to_string(top_records));
+  return sql;
+}
+
+std::string StatementBuilder::ReturnTables() const {
+  std::string list;
+  std::shared_ptr<xqb_Tables> tables = query_.Tables();
+  for (const auto& table : *tables) list.append(Bracketed(table->DBName())).append(kSeparator);
+  CutSeparator(list);
+  return list;
+}
+
+std::string StatementBuilder::ReturnAllFields(bool simple_fields) const {
+  std::int64_t count = FieldCount(query_);
+  if (count == 0) return "";
+  SlotList list(count, 1);
+  ForEachField(query_, [&](const xqb_Table& table, const xqb_Field& field) {
+    if (!field.UseInStatement()) return;
+    std::string item = SelectItem(table, field, simple_fields);
+    if (field.AppearanceOrder() == 0) {
+      list.AddToTail(item);
+    } else {
+      list.Place(std::move(item), field.AppearanceOrder());
+    }
+  });
+  return list.Join();
+}
+
+std::string StatementBuilder::ReturnOrderByFields() const {
+  SlotList list(FieldCount(query_), 0);
+  ForEachField(query_, [&](const xqb_Table& table, const xqb_Field& field) {
+    std::string_view suffix = SortSuffix(field.OrderByOrder());
+    if (suffix.empty()) return;
+    list.Place(table.DBName() + "." + field.DBName() + std::string(suffix), field.OrderByLevel());
+  });
+  return list.Join();
+}
+
+std::string StatementBuilder::ReturnGroupByFields() const {
+  std::int64_t count = FieldCount(query_);
+  if (count == 0) return "";
+  SlotList list(count, 1);
+  ForEachField(query_, [&](const xqb_Table& table, const xqb_Field& field) {
+    if (field.GroupByLevel() == 0) return;
+    list.Place(Bracketed(table.DBName()) + "." + field.DBName(), field.GroupByLevel());
+  });
+  return list.Join();
+}
+
+}  // namespace brix
