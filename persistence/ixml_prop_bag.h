@@ -9,7 +9,7 @@ class XMLPropBag;
 
 /// An object that writes and reads its own properties through an `XMLPropBag`. `TypeName()`
 /// names the element the object is saved under.
-class IXMLPropBag : public Object {
+class IXMLPropBag : public virtual Object {
  public:
   /// Writes the object's properties, in a fixed order, with `PropertyBag.WriteProperty`.
   virtual void WriteProperties(XMLPropBag& PropertyBag) = 0;

@@ -10,6 +10,7 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/bin_base64.h
   persistence/shared_xml_document.cpp
   persistence/xml_path_index.cpp
+  persistence/query_definition_document.cpp
   persistence/xml_prop_bag.cpp
   persistence/xml_prop_bag_errors.h
   persistence/xml_text_reader.cpp

@@ -20,7 +20,7 @@ class IndexedCollection;
 /// calls `KeyChanged()`; while the object is held by a collection that moves the thread's index
 /// revision, and every collection rebuilds its index before its next lookup. An object filled in
 /// before it is added moves nothing. Objects stay on the thread that created them.
-class IndexedItem : public Object {
+class IndexedItem : public virtual Object {
  public:
   /// The current index revision of this thread.
   static std::uint64_t IndexRevision();

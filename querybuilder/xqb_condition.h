@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "persistence/ixml_prop_bag.h"
 #include "querybuilder/indexed_collection.h"
 #include "querybuilder/xqb_definitions.h"
 #include "runtime/variant.h"
@@ -13,13 +14,17 @@ namespace brix {
 
 /// A condition of a field. All properties are plain stored values without validation: any
 /// integer is accepted for `Clause` and `WhereClauseLogic`.
-class xqb_Condition : public IndexedItem {
+class xqb_Condition : public IndexedItem, public IXMLPropBag {
  public:
   static std::shared_ptr<xqb_Condition> Create();
   xqb_Condition(const xqb_Condition&) = delete;
   xqb_Condition& operator=(const xqb_Condition&) = delete;
 
   std::string TypeName() const override { return "xqb_Condition"; }
+
+  // Persistence in a query definition document (defined with the document's code).
+  void WriteProperties(XMLPropBag& PropertyBag) override;
+  void ReadProperties(XMLPropBag& PropertyBag) override;
 
   /// Identity inside its field; the collection key is its decimal text. Default 0.
   std::int32_t ConditionID() const { return condition_id_; }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "persistence/ixml_prop_bag.h"
 #include "querybuilder/indexed_collection.h"
 #include "querybuilder/xqb_conditions.h"
 #include "querybuilder/xqb_definitions.h"
@@ -16,13 +17,17 @@ namespace brix {
 
 /// A field of a table. Properties are plain stored values unless noted; defaults are those of a
 /// new field (which does not build its available-clause list: it starts empty).
-class xqb_Field : public IndexedItem {
+class xqb_Field : public IndexedItem, public IXMLPropBag {
  public:
   static std::shared_ptr<xqb_Field> Create();
   xqb_Field(const xqb_Field&) = delete;
   xqb_Field& operator=(const xqb_Field&) = delete;
 
   std::string TypeName() const override { return "xqb_Field"; }
+
+  // Persistence in a query definition document (defined with the document's code).
+  void WriteProperties(XMLPropBag& PropertyBag) override;
+  void ReadProperties(XMLPropBag& PropertyBag) override;
 
   /// Marks a field held by the full-text index. Default False.
   bool IsDTIndex() const { return is_dt_index_; }

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "persistence/xml_prop_bag.h"
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/statement_builder.h"
 #include "querybuilder/vocabulary_lists.h"
@@ -150,5 +151,27 @@ Variant xqb_Query::GetDataTypes() const { return DataTypeList(); }
 Variant xqb_Query::GetControlTypes() const { return ControlTypeList(); }
 Variant xqb_Query::GetSortTypes() const { return SortTypeList(); }
 Variant xqb_Query::GetAggregateFunctions() const { return AggregateFunctionList(); }
+
+void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
+  try {
+    auto bag = XMLPropBag::Create();
+    bag->SetContents(XMLDef);
+    bag->RestoreState(this);
+  } catch (const Error& trapped) {
+    Raise(kErrLoadXMLDef, "[OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]",
+          TrappedDescription("Couldn't load xml query definition!", "", trapped));
+  }
+}
+
+std::string xqb_Query::SaveXMLDef() {
+  try {
+    auto bag = XMLPropBag::Create();
+    bag->SaveState(this, QueryName());
+    return bag->Contents();
+  } catch (const Error& trapped) {
+    Raise(kErrSaveXMLDef, "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]",
+          TrappedDescription("Couldn't save xml query definition!", "", trapped));
+  }
+}
 
 }  // namespace brix

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "persistence/ixml_prop_bag.h"
 #include "querybuilder/xqb_definitions.h"
 #include "querybuilder/xqb_fields.h"
 #include "querybuilder/xqb_tables.h"
@@ -18,13 +19,17 @@ namespace brix {
 /// collection and `Today` as the library clock's date when the query is created. Walks visit the
 /// tables, each table's fields and each field's conditions in collection order; the first match
 /// wins. Errors of the tree reach the caller unchanged.
-class xqb_Query : public Object {
+class xqb_Query : public IXMLPropBag {
  public:
   static std::shared_ptr<xqb_Query> Create();
   xqb_Query(const xqb_Query&) = delete;
   xqb_Query& operator=(const xqb_Query&) = delete;
 
   std::string TypeName() const override { return "xqb_Query"; }
+
+  // Persistence in a query definition document (defined with the document's code).
+  void WriteProperties(XMLPropBag& PropertyBag) override;
+  void ReadProperties(XMLPropBag& PropertyBag) override;
 
   // Full-text options, default False.
   bool bSYN() const { return b_syn_; }
@@ -132,6 +137,17 @@ class xqb_Query : public Object {
   Variant GetControlTypes() const;
   Variant GetSortTypes() const;
   Variant GetAggregateFunctions() const;
+
+  /// Replaces the definition by the first query saved in the XML text `XMLDef`. Any failure is
+  /// raised as 0x80042775, source "[OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]", description
+  /// "Couldn't load xml query definition!", CR LF and the description of the trapped error. A
+  /// failure part-way leaves what was read so far.
+  void LoadXMLDef(std::string_view XMLDef);
+
+  /// The definition as XML text, saved under `QueryName` as instance name. Any failure is raised
+  /// as 0x80042776, source "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]", description "Couldn't
+  /// save xml query definition!", CR LF and the description of the trapped error.
+  std::string SaveXMLDef();
 
  private:
   xqb_Query();

@@ -5,19 +5,24 @@
 #include <string>
 #include <string_view>
 
+#include "persistence/ixml_prop_bag.h"
 #include "querybuilder/indexed_collection.h"
 #include "querybuilder/xqb_fields.h"
 
 namespace brix {
 
 /// A table of a query. `DBName` is stored normalised; `Fields` starts as a new empty collection.
-class xqb_Table : public IndexedItem {
+class xqb_Table : public IndexedItem, public IXMLPropBag {
  public:
   static std::shared_ptr<xqb_Table> Create();
   xqb_Table(const xqb_Table&) = delete;
   xqb_Table& operator=(const xqb_Table&) = delete;
 
   std::string TypeName() const override { return "xqb_Table"; }
+
+  // Persistence in a query definition document (defined with the document's code).
+  void WriteProperties(XMLPropBag& PropertyBag) override;
+  void ReadProperties(XMLPropBag& PropertyBag) override;
 
   /// Database name as stored: the setter stores `NormalizeDBName(value)`. Default "".
   const std::string& DBName() const { return db_name_; }
