@@ -46,6 +46,10 @@ std::optional<std::string_view> TakeNamePredicate(std::string_view& rest) {
   return value;
 }
 
+// Longer paths go to the XPath engine, which refuses them beyond its own nesting limit; this
+// also bounds the depth of the selection tree.
+constexpr std::size_t kMaxIndexedSteps = 1000;
+
 bool Matches(pugi::xml_node node, const PathStep& step) {
   if (node.type() != pugi::node_element || step.name != node.name()) return false;
   if (!step.name_attribute) return true;
@@ -110,7 +114,7 @@ std::optional<std::vector<PathStep>> ParseIndexablePath(std::string_view xpath) 
       if (!step.name_attribute) return std::nullopt;
     }
     steps.push_back(step);
-  } while (TakePrefix(rest, "/"));
+  } while (steps.size() < kMaxIndexedSteps && TakePrefix(rest, "/"));
   if (!rest.empty()) return std::nullopt;
   return steps;
 }

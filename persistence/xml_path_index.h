@@ -25,7 +25,7 @@ struct PathStep {
 
 /// Splits "//A/B[@name="v"]/C[@name = "w"]" into its steps. Each step is a name (see
 /// `IsXmlName`) with no predicate, or with `[@name="v"]` or `[@name = "v"]` where v holds no
-/// double quote. `std::nullopt` for any other text.
+/// double quote. `std::nullopt` for any other text and for more than 1000 steps.
 std::optional<std::vector<PathStep>> ParseIndexablePath(std::string_view xpath);
 
 /// The first node, in document order, that `xpath` selects from `context`, evaluated by the

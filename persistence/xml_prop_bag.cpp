@@ -70,6 +70,10 @@ void CheckStorable(std::string_view text) {
   }
 }
 
+void CheckElementName(std::string_view name) {
+  if (!IsXmlName(name)) RaiseDomError("'" + std::string(name) + "' is not a valid element name.");
+}
+
 void SetAttribute(pugi::xml_node element, const char* name, std::string_view value) {
   element.append_attribute(name).set_value(value.data(), value.size());
 }
@@ -228,8 +232,8 @@ void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
     document.Changed();
   }
   const std::string type = RootObject->TypeName();
-  path_ = type;
-  if (!IsXmlName(type)) RaiseDomError("'" + type + "' is not a valid element name.");
+  SetPath(type);
+  CheckElementName(type);
   CheckStorable(sName);
   pugi::xml_node replaced = document.SelectFirst("//PropertyBag/" + type + NameFilter(sName));
   if (replaced && replaced.parent() != bag) {
@@ -294,8 +298,7 @@ SharedDocument& XMLPropBag::RequireDocument() const {
 }
 
 pugi::xml_node XMLPropBag::AppendChildElement(std::string_view name) {
-  RequireDocument();
-  if (!IsXmlName(name)) RaiseDomError("'" + std::string(name) + "' is not a valid element name.");
+  CheckElementName(name);
   pugi::xml_node parent = current_.Node();
   if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
   pugi::xml_node element = parent.append_child(std::string(name).c_str());

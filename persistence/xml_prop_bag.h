@@ -49,8 +49,9 @@ class XMLPropBag : public Object {
   /// element in the document at this bag's path with the object's class and "name" =
   /// `PropertyName`, and returns Empty (also when none matches). Otherwise: the value of the
   /// first child of the current node that `PropertyName` selects as an XPath expression (a
-  /// plain name is a child element of that name), or `DefaultValue` when there is none. The
-  /// text of an element is the text of all its descendants, untrimmed.
+  /// plain name is a child element of that name), or `DefaultValue` when there is none; a
+  /// selected node that is not an element raises 13. The text of an element is the text of all
+  /// its descendants, untrimmed.
   Variant ReadProperty(std::string_view PropertyName,
                        const Variant& DefaultValue = Variant::Missing());
 

@@ -41,6 +41,10 @@ TEST(PathIndex, ParsesOnlyTheBagsPathForms) {
         "//A[@id=\"x\"]", "//A[1]", "//a:b", "//1a", "//-a", "//A|//B", "//A/..", "//*"}) {
     EXPECT_FALSE(ParseIndexablePath(xpath).has_value()) << xpath;
   }
+  std::string long_path = "//A";
+  for (int step = 1; step < 1000; ++step) long_path += "/A";
+  EXPECT_TRUE(ParseIndexablePath(long_path).has_value());
+  EXPECT_FALSE(ParseIndexablePath(long_path + "/A").has_value());
 }
 
 TEST(PathIndex, AcceptsXmlNamesWithoutPrefix) {

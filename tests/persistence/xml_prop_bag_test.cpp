@@ -290,6 +290,7 @@ TEST(XMLPropBag, DomErrorsLeaveTheDocumentUnchanged) {
                 "Text that holds the character U+0000 cannot be stored in an XML document.");
     ExpectError([&] { b.ReadProperty("P["); }, kErrXMLDomFailure, kBagSource,
                 "The XPath expression \"P[\" is invalid: Unrecognized node test.");
+    ExpectError([&] { b.ReadProperty("/"); }, kErrTypeMismatch, "brixobjects4", "Type mismatch");
     ExpectError([&] { b.ReadProperty("1 + 1"); }, kErrXMLDomFailure, kBagSource,
                 "The XPath expression \"1 + 1\" is invalid: Expression does not evaluate to "
                 "node set.");
