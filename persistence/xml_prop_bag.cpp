@@ -1,6 +1,8 @@
 // The XML property bag: values to elements and back, and whole object trees saved by class name.
 #include "persistence/xml_prop_bag.h"
 
+#include <unordered_map>
+
 #include "persistence/bin_base64.h"
 #include "persistence/xml_prop_bag_errors.h"
 #include "persistence/xml_text_reader.h"
@@ -95,24 +97,26 @@ std::string ElementText(pugi::xml_node element) {
   return text;
 }
 
-/// The namespace URI bound to `prefix` where `element` stands, or an empty view.
-std::string_view NamespaceOf(pugi::xml_node element, std::string_view prefix) {
-  const std::string declaration = "xmlns:" + std::string(prefix);
-  for (pugi::xml_node node = element; node.type() == pugi::node_element; node = node.parent()) {
-    if (pugi::xml_attribute uri = node.attribute(declaration.c_str())) return uri.value();
-  }
-  return {};
-}
-
 /// The element's data type: the value of its "dt" attribute in the datatypes namespace,
-/// whatever the prefix.
+/// whatever the prefix. The prefixes are resolved in one walk up the ancestors.
 std::string_view DataTypeOf(pugi::xml_node element) {
+  std::unordered_map<std::string_view, std::string_view> values_by_prefix;
   for (pugi::xml_attribute attribute : element.attributes()) {
     const std::string_view name = attribute.name();
     const std::size_t colon = name.find(':');
-    if (colon == std::string_view::npos || name.substr(colon + 1) != "dt") continue;
-    if (NamespaceOf(element, name.substr(0, colon)) == kDatatypesNamespace) {
-      return attribute.value();
+    if (colon != std::string_view::npos && name.substr(colon + 1) == "dt") {
+      values_by_prefix.emplace(name.substr(0, colon), attribute.value());
+    }
+  }
+  for (pugi::xml_node node = element;
+       !values_by_prefix.empty() && node.type() == pugi::node_element; node = node.parent()) {
+    for (pugi::xml_attribute declaration : node.attributes()) {
+      const std::string_view name = declaration.name();
+      if (!name.starts_with("xmlns:")) continue;
+      auto found = values_by_prefix.find(name.substr(6));
+      if (found == values_by_prefix.end()) continue;
+      if (std::string_view(declaration.value()) == kDatatypesNamespace) return found->second;
+      values_by_prefix.erase(found);  // bound to another namespace here, nearer ones win
     }
   }
   return {};

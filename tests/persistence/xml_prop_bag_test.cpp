@@ -150,6 +150,13 @@ TEST(XMLPropBag, ReadsMarkersInAnyCaseAndOtherwiseTheText) {
   ExpectSameValue(ReadBack(contents, "P"), Variant("first"));
   ExpectSameValue(ReadBack(contents, "P[2]"), Variant("second"));
   ExpectSameValue(ReadBack(contents, "*[last()]"), Variant("second"));
+
+  const std::string declared_above =
+      "<PropertyBag xmlns:q=\"urn:schemas-microsoft-com:datatypes\"><Holder>"
+      "<J q:dt=\"bin.base64\">AQID</J><K xmlns:q=\"other\" q:dt=\"bin.base64\">AQID</K>"
+      "</Holder></PropertyBag>";
+  ExpectSameValue(ReadBack(declared_above, "J"), Variant(ByteArray{1, 2, 3}));
+  ExpectSameValue(ReadBack(declared_above, "K"), Variant("AQID"));
 }
 
 TEST(XMLPropBag, MissingPropertyGivesTheDefaultOrTheMissingMarker) {
