@@ -1,10 +1,13 @@
 # Sources and public headers of querybuilder/.
 set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/clause_catalogue.h
+  querybuilder/condition_describer.h
   querybuilder/condition_index.h
   querybuilder/db_name.h
+  querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.h
   querybuilder/name_index.h
+  querybuilder/parameter_expander.h
   querybuilder/statement_builder.h
   querybuilder/vocabulary_lists.h
   querybuilder/where_renderer.h
@@ -20,9 +23,12 @@ set(BRIX_QUERYBUILDER_HEADERS
 )
 set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/clause_catalogue.cpp
+  querybuilder/condition_describer.cpp
   querybuilder/condition_index.cpp
   querybuilder/db_name.cpp
+  querybuilder/full_text_renderer.cpp
   querybuilder/indexed_collection.cpp
+  querybuilder/parameter_expander.cpp
   querybuilder/statement_builder.cpp
   querybuilder/vocabulary_lists.cpp
   querybuilder/where_renderer.cpp

@@ -6,6 +6,9 @@
 
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/clause_catalogue.h"
+#include "querybuilder/condition_describer.h"
+#include "querybuilder/full_text_renderer.h"
+#include "querybuilder/parameter_expander.h"
 #include "querybuilder/statement_builder.h"
 #include "querybuilder/vocabulary_lists.h"
 #include "querybuilder/where_renderer.h"
@@ -133,6 +136,18 @@ std::int32_t xqb_Query::ReturnConditionsCount() {
   for (const auto& field : FieldsInTreeOrder(*Tables())) count += field->Conditions()->Count();
   if (count > std::numeric_limits<std::int32_t>::max()) RaiseRuntimeError(kErrOverflow);
   return static_cast<std::int32_t>(count);
+}
+
+std::string xqb_Query::ReturnDTConditions(std::int16_t use_near_operator_value) const {
+  return FullTextRenderer(*this).ReturnDTConditions(use_near_operator_value);
+}
+
+void xqb_Query::AddParamValues(std::string_view param_name, const Variant& param_values) {
+  ParameterExpander(*this).AddParamValues(param_name, param_values);
+}
+
+std::string xqb_Query::ReturnConditionDescription(std::int32_t condition_id) const {
+  return ConditionDescriber(*this).ReturnConditionDescription(condition_id);
 }
 
 std::string xqb_Query::GetVersion() const {

@@ -125,6 +125,15 @@ class xqb_Query : public IXMLPropBag {
   /// The sum of the condition counts of all fields of all tables.
   std::int32_t ReturnConditionsCount();
 
+  /// The dtSearch request of the first table's indexed fields (see full_text_renderer.h).
+  std::string ReturnDTConditions(std::int16_t use_near_operator_value = 33) const;
+
+  /// Adds a condition per value of the parameter `param_name` (see parameter_expander.h).
+  void AddParamValues(std::string_view param_name, const Variant& param_values);
+
+  /// A Romanian sentence describing one condition (see condition_describer.h).
+  std::string ReturnConditionDescription(std::int32_t condition_id) const;
+
   /// The library's version, "Major.Minor.Revision".
   std::string GetVersion() const;
 
