@@ -44,6 +44,9 @@ FieldSpec Doc(std::vector<Cond> c) {
   return {"Textul_documentului", qbe_DataUserDefined3, qbe_DataUserDefined3, c};
 }
 FieldSpec Days(std::vector<Cond> c) { return {"Luna", qbe_DataNumeric, qbe_DataDate, c}; }
+FieldSpec Data(std::vector<Cond> c) { return {"Data", qbe_DataDate, qbe_DataDate, c}; }
+FieldSpec Activ(std::vector<Cond> c) { return {"Activ", qbe_DataBoolean, qbe_DataBoolean, c}; }
+Cond Eq(Variant value) { return {qbe_ClauseEqualTo, std::move(value)}; }
 
 void AddFields(xqb_Table& table, const std::vector<FieldSpec>& fields, std::int32_t& id) {
   for (const auto& spec : fields) {
@@ -82,11 +85,11 @@ TEST(FullTextRenderer, ClauseTextOfEveryClause) {
 }
 
 TEST(FullTextRenderer, Requests) {
-  const Cond x{qbe_ClauseEqualTo, Variant("x")};
-  const Cond five{qbe_ClauseEqualTo, Variant(5)};
-  const Cond alfa_beta_near{qbe_ClauseContainsWordsNear, Variant("alfa beta")};
-  const Cond alfa_beta_words{qbe_ClauseContainsWords, Variant("alfa beta")};
-  const Cond greater{qbe_ClauseGreaterThan, Variant("y")};
+  const Cond x = Eq(Variant("x")), five = Eq(Variant(5)), greater{qbe_ClauseGreaterThan};
+  const Cond param{qbe_ClauseEqualTo, Variant("p"), Variant(""), "P"};
+  const Cond near{qbe_ClauseContainsWordsNear, Variant("alfa beta")};
+  const Cond words{qbe_ClauseContainsWords, Variant("alfa beta")};
+  const Cond expression{qbe_ClauseContainsExpression, Variant("b")};
   struct Case {
     const char* name;
     std::vector<FieldSpec> fields;
@@ -97,39 +100,26 @@ TEST(FullTextRenderer, Requests) {
       {"two fields",
        {Emitent({x}), Numar({five})},
        "((Emitent contains (x))) AND ((Numar contains (5)))"},
-      {"or within a field",
-       {Emitent({x, {qbe_ClauseContains, Variant("z")}})},
-       "((Emitent contains (x)) OR (Emitent contains (z)))"},
-      {"words on the document", {Doc({alfa_beta_words})}, "((alfa* AND beta*))"},
-      {"document joins with AND",
-       {Doc({{qbe_ClauseContainsExpression, Variant("a b")}, alfa_beta_words})},
-       "((a b) AND (alfa* AND beta*))"},
+      {"words on the document", {Doc({words})}, "((alfa* AND beta*))"},
+      {"document joins with AND", {Doc({expression, words})}, "((b) AND (alfa* AND beta*))"},
       {"words elsewhere join with OR",
-       {Emitent({{qbe_ClauseContainsWords, Variant("a")},
-                 {qbe_ClauseContainsExpression, Variant("b")}})},
-       "((Emitent contains (a*)) OR (Emitent contains (b)))"},
+       {Emitent({words, expression})},
+       "((Emitent contains (alfa* AND beta*)) OR (Emitent contains (b)))"},
       {"document equality", {Doc({x})}, "( contains (x)))"},
       {"(()) left out",
        {Doc({{qbe_ClauseContainsExpression}}), Numar({five})},
        "((Numar contains (5)))"},
       {"() kept", {Emitent({x, greater}), Numar({five})}, "() AND ((Numar contains (5)))"},
       {"unsearchable leaves its joiner", {Emitent({greater, x})}, "( OR (Emitent contains (x)))"},
-      {"parameter skipped",
-       {Emitent({{qbe_ClauseEqualTo, Variant("p"), Variant(""), "P"}, x})},
-       "((Emitent contains (x)))"},
-      {"only parameters", {Emitent({{qbe_ClauseEqualTo, Variant("p"), Variant(""), "P"}})}, ""},
+      {"parameter skipped", {Emitent({param, x}), Numar({param})}, "((Emitent contains (x)))"},
       {"not indexed",
        {{"Alt", qbe_DataString, qbe_DataString, {x}, false}, Numar({five})},
        "((Numar contains (5)))"},
-      {"no conditions", {Emitent({})}, ""},
       {"boolean empty repeats",
-       {{"Activ",
-         qbe_DataBoolean,
-         qbe_DataBoolean,
-         {{qbe_ClauseEqualTo, Variant(true)}, {qbe_ClauseEqualTo}}}},
+       {Activ({Eq(Variant(true)), Eq(Variant(""))})},
        "((Activ contains (True)) OR (Activ contains (True)))"},
       {"boolean carries across fields",
-       {Emitent({x}), {"Activ", qbe_DataBoolean, qbe_DataBoolean, {{qbe_ClauseEqualTo}}}},
+       {Emitent({x}), Activ({Eq(Variant(""))})},
        "((Emitent contains (x))) AND ((Activ contains (x)))"},
       {"blob keeps previous",
        {Numar({five}), {"Poza", qbe_DataBLOB, qbe_DataBLOB, {x}}},
@@ -139,32 +129,27 @@ TEST(FullTextRenderer, Requests) {
        {{"Semnat",
          qbe_DataString,
          qbe_DataBoolean,
-         {{qbe_ClauseEqualTo, Variant(true)},
-          {qbe_ClauseEqualTo, Variant(false)},
-          {qbe_ClauseEqualTo, Variant("True")}}}},
+         {Eq(Variant(true)), Eq(Variant(false)), Eq(Variant("True"))}}},
        "((Semnat contains (1)) OR (Semnat contains (0)) OR (Semnat contains (0)))"},
       {"near form carries",
-       {Doc({alfa_beta_near}), Suma({x})},
+       {Doc({near}), Suma({x})},
        "((alfa w/33 beta)) AND ((Suma contains (alfa w/33 beta)))"},
       {"words form does not",
-       {Doc({alfa_beta_words}), Suma({x})},
+       {Doc({words}), Suma({x})},
        "((alfa* AND beta*)) AND ((Suma contains (alfa beta)))"},
       {"date field",
-       {{"Data",
-         qbe_DataDate,
-         qbe_DataDate,
-         {{qbe_ClauseEqualTo, Variant(Date{40239})},
-          {qbe_ClauseBetween, Variant("3/2/2010"), Variant("12/31/2010")}}}},
+       {Data({Eq(Variant(Date{40239})),
+              {qbe_ClauseBetween, Variant("3/2/2010"), Variant("12/31/2010")}})},
        "((Data contains (02-Mar-2010)) OR (Data contains (02-Mar-2010~~31-Dec-2010)))"},
       {"numeric operands",
-       {Numar({{qbe_ClauseEqualTo, Variant("abc")}, {qbe_ClauseEqualTo, Variant(" 12 ")}})},
+       {Numar({Eq(Variant("abc")), Eq(Variant(" 12 "))})},
        "((Numar contains ()) OR (Numar contains ( 12 )))"},
       {"in-list text carries",
        {Numar({{qbe_ClauseInList, Variant("(1,a)")}}), Suma({x})},
        "() AND ((Suma contains ((1,a))))"},
       {"mixed kinds",
        {Emitent({x}),
-        Doc({alfa_beta_words}),
+        Doc({words}),
         {"Alt", qbe_DataString, qbe_DataString, {five}, false},
         Days({{qbe_ClauseToday}}),
         Numar({five})},
@@ -240,26 +225,20 @@ TEST(FullTextRenderer, WeekRangeIsReversedButOnSunday) {
 }
 
 TEST(FullTextRenderer, OperandsThatDoNotConvert) {
-  const FieldSpec date_abc{
-      "Data", qbe_DataDate, qbe_DataDate, {{qbe_ClauseEqualTo, Variant("abc")}}};
-  const FieldSpec date_number{
-      "Data", qbe_DataDate, qbe_DataDate, {{qbe_ClauseEqualTo, Variant("40238")}}};
   const std::vector<std::pair<FieldSpec, std::int32_t>> cases = {
-      {date_abc, kErrTypeMismatch},
-      {date_number, kErrTypeMismatch},
+      {Data({Eq(Variant("abc"))}), kErrTypeMismatch},
+      {Data({Eq(Variant("40238"))}), kErrTypeMismatch},  // a number text is no date
       {Days({{qbe_ClauseBetween, Variant("abc"), Variant(1)}}), kErrTypeMismatch},
-      {Days({{qbe_ClauseEqualTo, Variant(1e10)}}), kErrOverflow},
+      {Days({Eq(Variant(1e10))}), kErrOverflow},
       {Days({{qbe_ClauseLastXDays, Variant("abc")}}), kErrTypeMismatch},
       {Days({{qbe_ClauseYear, Variant(40000)}}), kErrOverflow},
-      {{"Activ", qbe_DataBoolean, qbe_DataBoolean, {{qbe_ClauseEqualTo, Variant("yes")}}},
-       kErrTypeMismatch},
-      {Emitent({{qbe_ClauseEqualTo, Variant(VariantArray{})}}), kErrTypeMismatch},
+      {Activ({Eq(Variant("yes"))}), kErrTypeMismatch},
+      {Emitent({Eq(Variant(VariantArray{}))}), kErrTypeMismatch},
   };
   for (const auto& [field, number] : cases) {
     EXPECT_TRUE(RaisesRuntimeError([&] { Render({field}); }, number)) << field.name;
   }
-  EXPECT_EQ(Render({{"Data", qbe_DataDate, qbe_DataDate, {{qbe_ClauseEqualTo, Variant::Null()}}}}),
-            "((Data contains ()))");
+  EXPECT_EQ(Render({Data({Eq(Variant::Null())})}), "((Data contains ()))");
 }
 
 }  // namespace
