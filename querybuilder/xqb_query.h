@@ -102,13 +102,18 @@ class xqb_Query : public IXMLPropBag {
   /// array.
   Variant ReturnAllClauses();
 
-  // The statement and its lists (see statement_builder.h).
+  /// "[table], [table2]" for FROM; "" without tables.
   std::string ReturnTables() const;
+  /// The select list, placed by `AppearanceOrder`; a negative position raises 9.
   std::string ReturnAllFields(bool simple_fields = true) const;
+  /// The ORDER BY list without the keyword, placed by `OrderByLevel`; a negative level raises 9.
   std::string ReturnOrderByFields() const;
+  /// The whole SELECT statement ("" without tables), with " LIMIT " `top_records` when it is not
+  /// 0. Placement, texts and choices: see statement_builder.h.
   std::string ReturnSQL(std::int32_t top_records = 0) const;
 
-  /// The filter text (see where_renderer.h).
+  /// The filter text: conditions, and join equalities with `with_join_conditions`, of every
+  /// table or of `tabela` alone. Texts and choices: see where_renderer.h.
   std::string ReturnWHEREConditions(bool simple_fields = true,
                                     std::shared_ptr<xqb_Table> tabela = nullptr,
                                     bool with_join_conditions = false) const;
