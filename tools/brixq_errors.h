@@ -1,0 +1,20 @@
+// Error numbers of the brixq command's own failures (the library's errors keep their numbers).
+#pragma once
+
+#include <cstdint>
+
+namespace brix::brixq {
+
+/// A file that does not exist: the platform's "File not found".
+inline constexpr std::int32_t kErrFileNotFound = 53;
+/// A file that exists but cannot be read (a folder, no permission): the platform's
+/// "Path/File access error".
+inline constexpr std::int32_t kErrFileAccess = 75;
+/// --table names no table of the definition: the number the tables collection raises for an
+/// unknown key.
+inline constexpr std::int32_t kErrNoSuchTable = 5;
+/// SQLite failures: this base plus SQLite's primary result code (20001 for SQL that does not
+/// compile, 20014 for a database that cannot be opened).
+inline constexpr std::int32_t kErrSqliteBase = 20000;
+
+}  // namespace brix::brixq

@@ -1,0 +1,50 @@
+// brixq: prints what the library makes of a query definition document (see UsageText).
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "querybuilder/xqb_query.h"
+#include "runtime/error.h"
+#include "runtime/text.h"
+#include "tools/command_line.h"
+#include "tools/query_commands.h"
+
+namespace {
+
+constexpr int kExitError = 1;
+constexpr int kExitUsage = 2;
+
+int Main(const std::vector<std::string_view>& args) {
+  using namespace brix::brixq;
+  Options options;
+  try {
+    options = ParseCommandLine(args);
+  } catch (const UsageError& error) {
+    std::cerr << "brixq: " << error.what() << "\n\n" << UsageText();
+    return kExitUsage;
+  }
+  if (options.help) {
+    std::cout << UsageText();
+    return 0;
+  }
+  if (options.version) {
+    std::cout << "brixq " << brix::xqb_Query::Create()->GetVersion() << "\n";
+    return 0;
+  }
+  try {
+    std::cout << RunCommand(options) << std::flush;
+  } catch (const brix::Error& error) {
+    // One line per error: a wrapped library error's CR LF before "Reason: " becomes a blank.
+    std::cerr << "brixq: " << brix::ReplaceAll(error.Description(), "\r\n", " ") << " (error "
+              << error.Number() << ")\n";
+    return kExitError;
+  }
+  return std::cout ? 0 : kExitError;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  return Main(std::vector<std::string_view>(argv + 1, argv + argc));
+}

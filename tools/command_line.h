@@ -1,0 +1,57 @@
+// The command line of brixq: the command, its options and the definition file, parsed strictly.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace brix::brixq {
+
+enum class Command { kSql, kWhere, kDt, kDescribe, kClauses, kSave, kRun };
+
+/// A `--param NAME=V1,V2,...` argument: the parameter's name and its values in order.
+struct ParamValues {
+  std::string name;
+  std::vector<std::string> values;
+};
+
+/// Everything the command line says. Defaults are those of the library's methods.
+struct Options {
+  bool help = false;     ///< --help: print the usage, do nothing else.
+  bool version = false;  ///< --version: print the library's version, do nothing else.
+  Command command = Command::kSql;
+  std::string file;  ///< The definition document; "-" is standard input.
+
+  std::int32_t top = 0;              ///< sql, run: TopRecords.
+  bool qualified = false;            ///< where: SimpleFields False.
+  bool joins = false;                ///< where: WithJoinConditions True.
+  std::optional<std::string> table;  ///< where: the key of the table passed as Tabela.
+  std::int16_t near = 33;            ///< dt: use_near_operator_value.
+  std::optional<std::string> db;     ///< run: the SQLite database; the sample one by default.
+  std::optional<double> date;        ///< Any command: the library clock's fixed moment.
+  std::vector<ParamValues> params;   ///< Any command: AddParamValues calls, in order.
+};
+
+/// A command line that cannot be obeyed; the message says why.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Parses the arguments after the program name. Options may stand before or after FILE, as
+/// "--name value" or "--name=value"; "--" ends the options. An option that the command does not
+/// take, a value that does not parse, a missing or second FILE all raise `UsageError`. A
+/// single-valued option given twice keeps the last value.
+Options ParseCommandLine(const std::vector<std::string_view>& args);
+
+/// The day number of "YYYY-MM-DD" or "YYYY-MM-DDTHH:MM:SS" (years 100 to 9999, every field
+/// range-checked, nothing else accepted); `std::nullopt` for any other text.
+std::optional<double> ParseDateTime(std::string_view text);
+
+/// The usage text printed by --help and after a usage error.
+std::string_view UsageText();
+
+}  // namespace brix::brixq

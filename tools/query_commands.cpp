@@ -1,0 +1,114 @@
+// The brixq commands over the public query API.
+#include "tools/query_commands.h"
+
+#include <memory>
+#include <vector>
+
+#include "querybuilder/xqb_query.h"
+#include "runtime/clock.h"
+#include "runtime/error.h"
+#include "runtime/error_numbers.h"
+#include "runtime/variant.h"
+#include "tools/brixq_errors.h"
+#include "tools/file_access.h"
+#include "tools/result_table.h"
+
+namespace brix::brixq {
+namespace {
+
+std::string JoinLines(const std::vector<std::string>& lines) {
+  std::string text;
+  for (const std::string& line : lines) {
+    if (!text.empty()) text += '\n';
+    text += line;
+  }
+  return text;
+}
+
+// The conditions in tree order: ConditionID, TAB, description.
+std::string Describe(const xqb_Query& query) {
+  std::vector<std::string> lines;
+  for (const auto& table : *query.Tables()) {
+    for (const auto& field : *table->Fields()) {
+      for (const auto& condition : *field->Conditions()) {
+        std::int32_t id = condition->ConditionID();
+        lines.push_back(std::to_string(id) + "\t" + query.ReturnConditionDescription(id));
+      }
+    }
+  }
+  return JoinLines(lines);
+}
+
+// The fields in tree order: table, TAB, field, TAB, the available clause numbers.
+std::string Clauses(const xqb_Query& query) {
+  std::vector<std::string> lines;
+  for (const auto& table : *query.Tables()) {
+    for (const auto& field : *table->Fields()) {
+      std::string numbers;
+      for (std::int32_t clause : field->ReturnAvailableClauses()) {
+        if (!numbers.empty()) numbers += ' ';
+        numbers += std::to_string(clause);
+      }
+      lines.push_back(table->DBName() + "\t" + field->DBName() + "\t" + numbers);
+    }
+  }
+  return JoinLines(lines);
+}
+
+// The table held under `key` (letter case ignored, as the collection looks keys up).
+std::shared_ptr<xqb_Table> TableByKey(const xqb_Query& query,
+                                      const std::optional<std::string>& key) {
+  if (!key) return nullptr;
+  try {
+    return query.Tables()->Item(Variant(*key));
+  } catch (const Error& error) {
+    if (error.Number() != kErrInvalidProcedureCall) throw;
+    Raise(kErrNoSuchTable, "brixq", "--table: the definition has no table \"" + *key + "\"");
+  }
+}
+
+Variant ParamArray(const std::vector<std::string>& values) {
+  VariantArray array;
+  for (const std::string& value : values) array.items.emplace_back(value);
+  return Variant(std::move(array));
+}
+
+std::string CommandText(const Options& options, const xqb_Query& query) {
+  switch (options.command) {
+    case Command::kSql:
+      return query.ReturnSQL(options.top);
+    case Command::kWhere:
+      return query.ReturnWHEREConditions(!options.qualified, TableByKey(query, options.table),
+                                         options.joins);
+    case Command::kDt:
+      return query.ReturnDTConditions(options.near);
+    case Command::kDescribe:
+      return Describe(query);
+    case Command::kClauses:
+      return Clauses(query);
+    case Command::kRun:
+      return FormatTable(RunStatement(options.db ? *options.db : DefaultDatabasePath(),
+                                      query.ReturnSQL(options.top)));
+    case Command::kSave:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+std::string RunCommand(const Options& options) {
+  // Fixed before the query exists, so that its Today is the given day too.
+  if (options.date) Clock::Set(std::make_shared<FixedClock>(*options.date));
+  std::string document = ReadDefinition(options.file);
+  auto query = xqb_Query::Create();
+  query->LoadXMLDef(document);
+  for (const ParamValues& param : options.params) {
+    query->AddParamValues(param.name, ParamArray(param.values));
+  }
+  // The saved document ends in CR LF already; it is printed byte for byte as a host stores it.
+  if (options.command == Command::kSave) return query->SaveXMLDef();
+  return CommandText(options, *query) + "\n";
+}
+
+}  // namespace brix::brixq
