@@ -50,71 +50,80 @@ struct ClauseCase {
 
 auto K(int kind) { return static_cast<qbe_ClauseOperator>(kind); }
 
-TEST(WhereRenderer, ClauseTextsByKindAndType) {
+TEST(WhereRenderer, EveryKindOnTextAndNumberFields) {
+  ScopedClock clock(kClock);
+  struct Row {
+    int kind;
+    std::string quoted;  // String and Memo fields
+    std::string bare;    // Numeric, Boolean, Decimal and BLOB fields
+  };
+  const std::string range_quoted = "(F BETWEEN '7' AND '9')";
+  const std::string range_bare = "(F BETWEEN 7 AND 9)";
+  const std::vector<Row> rows = {
+      {1, range_quoted, range_bare},
+      {2, "(F LIKE '%7%')", "(F LIKE %7%)"},
+      {3, "(F = '7')", "(F = 7)"},
+      {4, "(F >= '7')", "(F >= 7)"},
+      {5, "(F > '7')", "(F > 7)"},
+      {6, "(F = '' OR F IS NULL )", "(F IS NULL )"},
+      {7, "(F IS NULL)", "(F IS NULL)"},
+      {8, "(F <= '7')", "(F <= 7)"},
+      {9, "(F < '7')", "(F < 7)"},
+      {10, "(F NOT LIKE '%7%')", "(F NOT LIKE %7%)"},
+      {11, "(F <> '7')", "(F <> 7)"},
+      {12, "(F NOT LIKE '7%')", "(F NOT LIKE 7%)"},
+      {13, "(F LIKE '7%')", "(F LIKE 7%)"},
+      {14, "(F = '7')", "(F = 7)"},
+      {15, range_quoted, range_bare},
+      {16, range_quoted, range_bare},
+      {17, "(F IN 7)", "(F IN 7)"},
+      {18, range_quoted, range_bare},
+      {19, "(F NOT IN 7)", "(F NOT IN 7)"},
+      {20, "(F <> '' OR F IS NOT NULL )", "(F IS NOT NULL )"},
+      {21, range_quoted, range_bare},
+      {22, range_quoted, range_bare},
+      {23, range_quoted, range_bare},
+      {24, range_quoted, range_bare},
+      {25, "", ""},
+      {26, "", ""},
+      {27, "", ""},
+      {28, range_quoted, range_bare},
+      {29, "(F = '7')", "(F = 7)"},
+      {30, "(F = '14:30')", "(F = 14:30)"},
+      {31, "(F >= '14:30')", "(F >= 14:30)"},
+      {32, "(F <= '14:30')", "(F <= 14:30)"},
+      {0, "(F)", "(F)"},
+      {33, "(F)", "(F)"},
+      {-1, "(F)", "(F)"},
+  };
+  for (const Row& row : rows) {
+    for (auto type : {qbe_DataString, qbe_DataMemo}) {
+      EXPECT_EQ(RenderOne(type, K(row.kind), Variant("7"), Variant("9")), row.quoted)
+          << "type " << type << ", kind " << row.kind;
+    }
+    for (auto type : {qbe_DataNumeric, qbe_DataBoolean, qbe_DataDecimal, qbe_DataBLOB}) {
+      EXPECT_EQ(RenderOne(type, K(row.kind), Variant("7"), Variant("9")), row.bare)
+          << "type " << type << ", kind " << row.kind;
+    }
+  }
+}
+
+TEST(WhereRenderer, ValueTexts) {
   ScopedClock clock(kClock);
   const Variant s("x");
   const Variant none("");
   const std::vector<ClauseCase> cases = {
-      // Every kind on a String field: string forms inside quotes.
-      {qbe_DataString, K(1), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(2), Variant("ab"), none, "(F LIKE '%ab%')"},
-      {qbe_DataString, K(3), s, none, "(F = 'x')"},
-      {qbe_DataString, K(4), s, none, "(F >= 'x')"},
-      {qbe_DataString, K(5), s, none, "(F > 'x')"},
-      {qbe_DataString, K(6), s, none, "(F = '' OR F IS NULL )"},
-      {qbe_DataString, K(7), s, none, "(F IS NULL)"},
-      {qbe_DataString, K(8), s, none, "(F <= 'x')"},
-      {qbe_DataString, K(9), s, none, "(F < 'x')"},
-      {qbe_DataString, K(10), Variant("ab"), none, "(F NOT LIKE '%ab%')"},
-      {qbe_DataString, K(11), s, none, "(F <> 'x')"},
-      {qbe_DataString, K(12), Variant("ab"), none, "(F NOT LIKE 'ab%')"},
-      {qbe_DataString, K(13), Variant("ab"), none, "(F LIKE 'ab%')"},
-      {qbe_DataString, K(14), s, none, "(F = 'x')"},
-      {qbe_DataString, K(15), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(16), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(17), Variant("('a', 'b')"), none, "(F IN ('a', 'b'))"},
-      {qbe_DataString, K(18), Variant("10"), none, "(F BETWEEN '10' AND '')"},
-      {qbe_DataString, K(19), Variant("('a', 'b')"), none, "(F NOT IN ('a', 'b'))"},
-      {qbe_DataString, K(20), s, none, "(F <> '' OR F IS NOT NULL )"},
-      {qbe_DataString, K(21), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(22), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(23), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(24), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(25), s, none, ""},
-      {qbe_DataString, K(26), s, none, ""},
-      {qbe_DataString, K(27), s, none, ""},
-      {qbe_DataString, K(28), Variant("a"), Variant("c"), "(F BETWEEN 'a' AND 'c')"},
-      {qbe_DataString, K(29), s, none, "(F = 'x')"},
-      {qbe_DataString, K(30), s, none, "(F = '14:30')"},
-      {qbe_DataString, K(31), s, none, "(F >= '14:30')"},
-      {qbe_DataString, K(32), s, none, "(F <= '14:30')"},
-      {qbe_DataString, K(0), s, none, "(F)"},
-      {qbe_DataString, K(33), s, none, "(F)"},
-      {qbe_DataString, K(-1), s, none, "(F)"},
       {qbe_DataString, K(3), Variant::Null(), none, "(F = '')"},
+      {qbe_DataNumeric, K(3), Variant(2.5), none, "(F = 2.5)"},
+      {qbe_DataNumeric, K(18), Variant(10), none, "(F BETWEEN 10 AND )"},
+      {qbe_DataBoolean, K(3), Variant(true), none, "(F = True)"},
+      {qbe_DataBoolean, K(11), Variant(false), none, "(F <> False)"},
       // Quotes of a value are doubled inside quotes only; lists are written as they stand.
       {qbe_DataString, K(3), Variant("O'Brien"), none, "(F = 'O''Brien')"},
       {qbe_DataString, K(1), Variant("a'"), Variant("''"), "(F BETWEEN 'a''' AND '''''')"},
       {qbe_DataString, K(17), Variant("('O''Brien')"), none, "(F IN ('O''Brien'))"},
       {qbe_DataMemo, K(2), Variant("O'Brien"), none, "(F LIKE '%O''Brien%')"},
-      {qbe_DataMemo, K(6), s, none, "(F = '' OR F IS NULL )"},
-      {qbe_DataMemo, K(20), s, none, "(F <> '' OR F IS NOT NULL )"},
-      // Numeric: no delimiter; relative kinds use the operands as they are.
-      {qbe_DataNumeric, K(1), Variant(1), Variant(9), "(F BETWEEN 1 AND 9)"},
-      {qbe_DataNumeric, K(2), Variant(5), none, "(F LIKE %5%)"},
-      {qbe_DataNumeric, K(3), Variant(2.5), none, "(F = 2.5)"},
-      {qbe_DataNumeric, K(6), s, none, "(F IS NULL )"},
-      {qbe_DataNumeric, K(14), Variant(7), none, "(F = 7)"},
-      {qbe_DataNumeric, K(18), Variant(10), none, "(F BETWEEN 10 AND )"},
-      {qbe_DataNumeric, K(20), s, none, "(F IS NOT NULL )"},
-      {qbe_DataNumeric, K(17), Variant("(1, 2)"), none, "(F IN (1, 2))"},
-      {qbe_DataNumeric, K(29), Variant(30), none, "(F = 30)"},
-      {qbe_DataNumeric, K(32), s, none, "(F <= 14:30)"},
       {qbe_DataDecimal, K(5), Variant("it's"), none, "(F > it's)"},
-      // Boolean: the same operators, the value's string form without delimiters.
-      {qbe_DataBoolean, K(3), Variant(true), none, "(F = True)"},
-      {qbe_DataBoolean, K(11), Variant(false), none, "(F <> False)"},
-      {qbe_DataBoolean, K(6), s, none, "(F IS NULL )"},
       // Date: day numbers for ranges and relative kinds, dd-MMM-yyyy for comparisons.
       {qbe_DataDate, K(1), Variant(Date{40239.75}), Variant("3/5/2010"),
        "(F BETWEEN #40239# AND #40242#)"},
@@ -143,6 +152,17 @@ TEST(WhereRenderer, ClauseTextsByKindAndType) {
       {qbe_DataDate, K(17), Variant("(1, 2)"), none, "(F IN (1, 2))"},
       {qbe_DataDate, K(6), s, none, "(F IS NULL )"},
       {qbe_DataDate, K(26), s, none, ""},
+      {qbe_DataDate, K(7), s, none, "(F IS NULL)"},
+      {qbe_DataDate, K(10), Variant("x"), none, "(F NOT LIKE #%x%#)"},
+      {qbe_DataDate, K(12), Variant("x"), none, "(F NOT LIKE #x%#)"},
+      {qbe_DataDate, K(13), Variant("x"), none, "(F LIKE #x%#)"},
+      {qbe_DataDate, K(19), Variant("(1)"), none, "(F NOT IN (1))"},
+      {qbe_DataDate, K(20), s, none, "(F IS NOT NULL )"},
+      {qbe_DataDate, K(31), s, none, "(F >= #14:30#)"},
+      {qbe_DataDate, K(32), s, none, "(F <= #14:30#)"},
+      {qbe_DataDate, K(25), s, none, ""},
+      {qbe_DataDate, K(27), s, none, ""},
+      {qbe_DataDate, K(0), s, none, "(F)"},
   };
   for (const ClauseCase& c : cases) {
     EXPECT_EQ(RenderOne(c.type, c.kind, c.value, c.secondary), c.expected)
