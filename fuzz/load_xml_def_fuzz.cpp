@@ -1,0 +1,48 @@
+// Feeds arbitrary text to LoadXMLDef and, when it loads, through every text generator: each step
+// must either succeed or raise brix::Error.
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "querybuilder/xqb_query.h"
+#include "runtime/clock.h"
+#include "runtime/error.h"
+
+namespace {
+
+template <class Action>
+void Attempt(Action&& action) {
+  try {
+    action();
+  } catch (const brix::Error&) {
+    // Raising the documented error is the expected outcome for bad input.
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static brix::ScopedClock clock(40238.5);  // a fixed date keeps runs reproducible
+  auto query = brix::xqb_Query::Create();
+  std::string_view text(reinterpret_cast<const char*>(data), size);
+  try {
+    query->LoadXMLDef(text);
+  } catch (const brix::Error&) {
+    return 0;
+  }
+  Attempt([&] { query->SaveXMLDef(); });
+  Attempt([&] { query->ReturnSQL(5); });
+  Attempt([&] { query->ReturnWHEREConditions(true); });
+  Attempt([&] { query->ReturnDTConditions(); });
+  Attempt([&] {
+    for (const auto& table : *query->Tables()) {
+      for (const auto& field : *table->Fields()) {
+        field->ReturnAvailableClauses();
+        for (const auto& condition : *field->Conditions()) {
+          query->ReturnConditionDescription(condition->ConditionID());
+        }
+      }
+    }
+  });
+  return 0;
+}
