@@ -46,8 +46,7 @@ template <class Integer>
 Integer ParseInteger(std::string_view option, std::string_view text, Integer low, Integer high) {
   Integer value{};
   auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (text.empty() || error != std::errc() || end != text.data() + text.size() || value < low ||
-      value > high) {
+  if (error != std::errc() || end != text.data() + text.size() || value < low || value > high) {
     throw UsageError("--" + std::string(option) + " needs a whole number from " +
                      std::to_string(low) + " to " + std::to_string(high) + ", not \"" +
                      std::string(text) + "\"");

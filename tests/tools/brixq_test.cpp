@@ -204,7 +204,6 @@ TEST(Brixq, RejectsNumbersAndDatesThatDoNotParseWhole) {
       {"--top", "-1", "--top needs a whole number from 0 to 2147483647, not \"-1\""},
       {"--top", "2147483648",
        "--top needs a whole number from 0 to 2147483647, not \"2147483648\""},
-      {"--top", " 5", "--top needs a whole number from 0 to 2147483647, not \" 5\""},
       {"--top", "", "--top needs a whole number from 0 to 2147483647, not \"\""},
       {"--near", "32768", "--near needs a whole number from -32768 to 32767, not \"32768\""},
       {"--date", "2023-02-29",
@@ -212,8 +211,6 @@ TEST(Brixq, RejectsNumbersAndDatesThatDoNotParseWhole) {
       {"--date", "2024-3-15", "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not \"2024-3-15\""},
       {"--date", "2024-03-15T24:00:00",
        "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not \"2024-03-15T24:00:00\""},
-      {"--date", "2024-03-15 10:00:00",
-       "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not \"2024-03-15 10:00:00\""},
       {"--date", "0099-12-31",
        "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not \"0099-12-31\""},
   };
