@@ -1,60 +1,80 @@
-// Display texts of the catalogue, including the values outside each range.
+// Display texts of the catalogue, including the values outside each range, and a condition's own.
 #include "querybuilder/clause_catalogue.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
+
+#include "querybuilder/xqb_condition.h"
 
 namespace brix {
 namespace {
 
-struct TextCase {
-  std::int32_t value;
-  std::string expected;
-};
+template <class Enum, std::string (*Describe)(Enum)>
+std::string Text(std::int32_t value) {
+  return Describe(static_cast<Enum>(value));
+}
+constexpr auto kClause = Text<qbe_ClauseOperator, ClauseDescription>;
+constexpr auto kType = Text<qbe_DataType, DataTypeDescription>;
+constexpr auto kSort = Text<qbe_SortType, SortTypeDescription>;
+constexpr auto kAggregate = Text<qbe_AggregateFunctionType, AggregateFunctionDescription>;
+constexpr auto kLogic = Text<qbe_WhereClauseLogic, WhereClauseLogicDescription>;
 
-TEST(ClauseCatalogue, ClauseTexts) {
-  const TextCase cases[] = {{0, ""},
-                            {1, "intre ___ si ___"},
-                            {7, "este <NULL>"},
-                            {14, "astazi"},
-                            {16, "luna aceasta"},
-                            {17, "in lista: ___"},
-                            {19, "nu este in lista ___"},
-                            {28, "in urmatoarele ___ zile"},
-                            {32, "este mai mic decat ora curenta"},
-                            {33, ""},
-                            {-1, ""}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(ClauseDescription(static_cast<qbe_ClauseOperator>(c.value)), c.expected) << c.value;
-  }
+TEST(ClauseCatalogue, Texts) {
+  struct Case {
+    std::string (*text)(std::int32_t);
+    std::int32_t value;
+    std::string expected;
+  };
+  // clang-format off
+  const std::vector<Case> cases = {
+      {kClause, 0,  ""},
+      {kClause, 1,  "intre ___ si ___"},
+      {kClause, 7,  "este <NULL>"},
+      {kClause, 14, "astazi"},
+      {kClause, 16, "luna aceasta"},
+      {kClause, 17, "in lista: ___"},
+      {kClause, 19, "nu este in lista ___"},
+      {kClause, 28, "in urmatoarele ___ zile"},
+      {kClause, 32, "este mai mic decat ora curenta"},
+      {kClause, 33, ""},
+      {kClause, -1, ""},
+      {kType,   0,  ""},
+      {kType,   1,  "BLOB"},
+      {kType,   5,  "Numeric"},
+      {kType,   6,  "String"},
+      {kType,   7,  ""},
+      {kType,   11, ""},
+      {kType,   12, ""},
+      {kType,   13, ""},
+      {kSort,   0,  "None"},
+      {kSort,   1,  "Ascending"},
+      {kSort,   -1, "Descending"},
+      {kSort,   2,  ""},
+      {kSort,   -2, ""},
+      {kAggregate, 0,  "None"},
+      {kAggregate, 3,  "Average"},
+      {kAggregate, 6,  "Standard deviation"},
+      {kAggregate, 7,  "Value count"},
+      {kAggregate, 8,  ""},
+      {kAggregate, -1, ""},
+      {kLogic,  1,  " AND "},
+      {kLogic,  2,  " OR "},
+      {kLogic,  3,  ""},
+      {kLogic,  0,  ""},
+  };
+  // clang-format on
+  for (const auto& c : cases) EXPECT_EQ(c.text(c.value), c.expected) << c.value;
 }
 
-TEST(ClauseCatalogue, DataTypeTexts) {
-  const TextCase cases[] = {{0, ""}, {1, "BLOB"}, {5, "Numeric"}, {6, "String"},
-                            {7, ""}, {11, ""},    {12, ""},       {13, ""}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(DataTypeDescription(static_cast<qbe_DataType>(c.value)), c.expected) << c.value;
-  }
-}
-
-TEST(ClauseCatalogue, SortAggregateAndLogicTexts) {
-  const TextCase sorts[] = {{0, "None"}, {1, "Ascending"}, {-1, "Descending"}, {2, ""}, {-2, ""}};
-  for (const auto& c : sorts) {
-    EXPECT_EQ(SortTypeDescription(static_cast<qbe_SortType>(c.value)), c.expected) << c.value;
-  }
-  const TextCase aggregates[] = {{0, "None"},        {3, "Average"}, {6, "Standard deviation"},
-                                 {7, "Value count"}, {8, ""},        {-1, ""}};
-  for (const auto& c : aggregates) {
-    EXPECT_EQ(AggregateFunctionDescription(static_cast<qbe_AggregateFunctionType>(c.value)),
-              c.expected)
-        << c.value;
-  }
-  const TextCase logic[] = {{1, " AND "}, {2, " OR "}, {3, ""}, {0, ""}};
-  for (const auto& c : logic) {
-    EXPECT_EQ(WhereClauseLogicDescription(static_cast<qbe_WhereClauseLogic>(c.value)), c.expected)
-        << c.value;
-  }
+TEST(ClauseCatalogue, ConditionTexts) {
+  auto condition = xqb_Condition::Create();
+  EXPECT_EQ(condition->WhereClauseDescription() + "|" + condition->ClauseDescription(), " AND |");
+  condition->SetClause(qbe_ClauseInList);
+  condition->SetWhereClauseLogic(qbe_LogicNone);
+  EXPECT_EQ(condition->WhereClauseDescription() + "|" + condition->ClauseDescription(),
+            "|in lista: ___");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "querybuilder/xqb_query.h"
@@ -18,11 +19,23 @@ namespace {
 using test_support::AddCondition;
 using test_support::AddField;
 using test_support::AddTable;
+using test_support::BuildQuery;
 using test_support::RaisesRuntimeError;
+using V = Variant;
 
 constexpr double kClock = 40240;
 
+// The description of one condition on the field `name` of the only table.
+std::string Describe(qbe_DataType db_type, qbe_DataType show_as, qbe_ClauseOperator clause,
+                     const V& value, const V& secondary = V(""), const char* name = "F") {
+  ScopedClock fixed(kClock);
+  auto query = BuildQuery(
+      {{"T", {{.name = name, .type = db_type, .conditions = {{clause, value, secondary}}, .show_as = show_as}}}});
+  return query->ReturnConditionDescription(1);
+}
+
 TEST(ConditionDescriber, PhraseOfEveryClause) {
+  // clang-format off
   const std::vector<std::string> expected = {
       "Nume ",
       "Nume este intre a si b",
@@ -59,76 +72,46 @@ TEST(ConditionDescriber, PhraseOfEveryClause) {
       "Nume este mai mic decat ora curenta",
       "Nume ",
   };
-  ScopedClock fixed(kClock);
-  auto query = xqb_Query::Create();
-  auto field = AddField(*AddTable(*query, "T"), "Nume", qbe_DataMemo);
+  // clang-format on
   for (int clause = 0; clause <= 33; ++clause) {
-    AddCondition(*field, 100 + clause, static_cast<qbe_ClauseOperator>(clause), Variant("a"),
-                 Variant("b"));
+    EXPECT_EQ(Describe(qbe_DataMemo, qbe_DataMemo, static_cast<qbe_ClauseOperator>(clause), V("a"),
+                       V("b"), "Nume"),
+              expected[clause]);
   }
-  for (int clause = 0; clause <= 33; ++clause) {
-    EXPECT_EQ(query->ReturnConditionDescription(100 + clause), expected[clause]);
-  }
-  EXPECT_EQ(query->ReturnConditionDescription(7), "");
-}
-
-// The description of one condition on the field F of the only table.
-std::string Describe(qbe_DataType db_type, qbe_DataType show_as, qbe_ClauseOperator clause,
-                     const Variant& value, const Variant& secondary = Variant(""),
-                     const std::string& name = "F") {
-  ScopedClock fixed(kClock);
-  auto query = xqb_Query::Create();
-  auto field = AddField(*AddTable(*query, "T"), name, show_as);
-  field->SetDBType(db_type);
-  AddCondition(*field, 1, clause, value, secondary);
-  return query->ReturnConditionDescription(1);
 }
 
 TEST(ConditionDescriber, OperandTexts) {
+  constexpr auto B = qbe_DataBoolean, S = qbe_DataString, N = qbe_DataNumeric, D = qbe_DataDate;
   struct Case {
     qbe_DataType db_type;
     qbe_DataType show_as;
     qbe_ClauseOperator clause;
-    Variant value;
-    Variant secondary;
+    V value;
+    V secondary;
     std::string expected;
   };
+  // clang-format off
   const std::vector<Case> cases = {
-      {qbe_DataBoolean, qbe_DataBoolean, qbe_ClauseEqualTo, Variant(true), Variant(""),
-       "F sa fie Da"},
-      {qbe_DataBoolean, qbe_DataBoolean, qbe_ClauseEqualTo, Variant(-1), Variant(""),
-       "F sa fie Da"},
+      {B,              B,            qbe_ClauseEqualTo,   V(true),        V(""),          "F sa fie Da"},
+      {B,              B,            qbe_ClauseEqualTo,   V(-1),          V(""),          "F sa fie Da"},
       // A Boolean read back from a definition is the text "True", which is not True.
-      {qbe_DataBoolean, qbe_DataBoolean, qbe_ClauseEqualTo, Variant("True"), Variant(""),
-       "F sa fie Nu"},
-      {qbe_DataBoolean, qbe_DataBoolean, qbe_ClauseEqualTo, Variant::Null(), Variant(""),
-       "F sa fie Nu"},
-      {qbe_DataBoolean, qbe_DataBoolean, qbe_ClauseBetween, Variant(true), Variant(false),
-       "F este intre Da si Nu"},
-      {qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, Variant("x"), Variant(""),
-       "F sa fie 'x'"},
-      {qbe_DataString, qbe_DataMemo, qbe_ClauseBetween, Variant("a"), Variant::Null(),
-       "F este intre 'a' si ''"},
-      {qbe_DataString, qbe_DataNumeric, qbe_ClauseEqualTo, Variant("x"), Variant(""), "F sa fie x"},
-      {qbe_DataMemo, qbe_DataString, qbe_ClauseEqualTo, Variant("x"), Variant(""), "F sa fie x"},
-      {qbe_DataNumeric, qbe_DataDate, qbe_ClauseEqualTo, Variant(Date{40238}), Variant(""),
-       "F sa fie 01-Mar-2010"},
-      {qbe_DataNumeric, qbe_DataDate, qbe_ClauseBetween, Variant(40238), Variant("3/31/2010"),
-       "F este intre 01-Mar-2010 si 31-Mar-2010"},
-      {qbe_DataDecimal, qbe_DataDate, qbe_ClauseBetween, Variant("40239"), Variant("abc"),
-       "F este intre 02-Mar-2010 si abc"},
-      {qbe_DataDecimal, qbe_DataDate, qbe_ClauseLastXDays, Variant(5), Variant(""),
-       "F este in ultimele 5 zile"},
-      {qbe_DataNumeric, qbe_DataDate, qbe_ClauseYear, Variant(2010.0), Variant(""),
-       "F este in anul 2010"},
+      {B,              B,            qbe_ClauseEqualTo,   V("True"),      V(""),          "F sa fie Nu"},
+      {B,              B,            qbe_ClauseBetween,   V(true),        V::Null(),      "F este intre Da si Nu"},
+      {S,              S,            qbe_ClauseEqualTo,   V("x"),         V(""),          "F sa fie 'x'"},
+      {S,              qbe_DataMemo, qbe_ClauseBetween,   V("a"),         V::Null(),      "F este intre 'a' si ''"},
+      {S,              N,            qbe_ClauseEqualTo,   V("x"),         V(""),          "F sa fie x"},
+      {qbe_DataMemo,   S,            qbe_ClauseEqualTo,   V("x"),         V(""),          "F sa fie x"},
+      {N,              D,            qbe_ClauseEqualTo,   V(Date{40238}), V(""),          "F sa fie 01-Mar-2010"},
+      {N,              D,            qbe_ClauseBetween,   V(40238),       V("3/31/2010"), "F este intre 01-Mar-2010 si 31-Mar-2010"},
+      {qbe_DataDecimal, D,           qbe_ClauseBetween,   V("40239"),     V("abc"),       "F este intre 02-Mar-2010 si abc"},
+      {qbe_DataDecimal, D,           qbe_ClauseLastXDays, V(5),           V(""),          "F este in ultimele 5 zile"},
+      {N,              D,            qbe_ClauseYear,      V(2010.0),      V(""),          "F este in anul 2010"},
       // Counted clauses never read the second operand.
-      {qbe_DataNumeric, qbe_DataDate, qbe_ClauseOverXDays, Variant("7"), Variant(VariantArray{}),
-       "F peste 7 zile"},
-      {qbe_DataNumeric, qbe_DataNumeric, qbe_ClauseEqualTo, Variant(2.5), Variant(""),
-       "F sa fie 2.5"},
-      {qbe_DataDate, qbe_DataDate, qbe_ClauseEqualTo, Variant(Date{40238}), Variant(""),
-       "F sa fie 3/1/2010"},
+      {N,              D,            qbe_ClauseOverXDays, V("7"),         V(VariantArray{}), "F peste 7 zile"},
+      {N,              N,            qbe_ClauseEqualTo,   V(2.5),         V(""),          "F sa fie 2.5"},
+      {D,              D,            qbe_ClauseEqualTo,   V(Date{40238}), V(""),          "F sa fie 3/1/2010"},
   };
+  // clang-format on
   for (const auto& c : cases) {
     EXPECT_EQ(Describe(c.db_type, c.show_as, c.clause, c.value, c.secondary), c.expected);
   }
@@ -138,44 +121,43 @@ TEST(ConditionDescriber, MonthNames) {
   const std::vector<std::string> months = {
       "",      "Ianuarie", "Februarie",  "Martie",    "Aprilie",   "Mai",       "Iunie",
       "Iulie", "August",   "Septembrie", "Octombrie", "Noiembrie", "Decembrie", ""};
+  const char* field = "Publicatie_Luna";
   for (std::int32_t month = 0; month <= 13; ++month) {
-    EXPECT_EQ(Describe(qbe_DataNumeric, qbe_DataNumeric, qbe_ClauseEqualTo, Variant(month),
-                       Variant(""), "Publicatie_Luna"),
+    EXPECT_EQ(Describe(qbe_DataNumeric, qbe_DataNumeric, qbe_ClauseEqualTo, V(month), V(""), field),
               "Publicatie_Luna sa fie " + months[month]);
   }
   // The month is the operand's text, exactly, whatever the field's type makes of it.
-  EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, Variant("3"), Variant(""),
-                     "Publicatie_Luna"),
+  EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, V("3"), V(""), field),
             "Publicatie_Luna sa fie Martie");
-  EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, Variant("03"), Variant(""),
-                     "Publicatie_Luna"),
+  EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, V("03"), V(""), field),
             "Publicatie_Luna sa fie ");
 }
 
 TEST(ConditionDescriber, PrefixAndSearch) {
   ScopedClock fixed(kClock);
   auto query = xqb_Query::Create();
-  auto activ =
-      AddField(*query->Tables()->Add("Clienti", "Clienti activi"), "Activ", qbe_DataBoolean);
-  AddCondition(*activ, 5, qbe_ClauseEqualTo, Variant(true));
+  auto activ = AddField(*query->Tables()->Add("Clienti", "Clienti activi"), "Activ", qbe_DataBoolean);
+  AddCondition(*activ, 5, qbe_ClauseEqualTo, V(true));
   EXPECT_EQ(query->ReturnConditionDescription(5), "Activ sa fie Da");
   auto other = AddField(*AddTable(*query, "Facturi"), "Suma", qbe_DataNumeric);
-  AddCondition(*other, 5, qbe_ClauseEqualTo, Variant(1));  // same identity, later in the tree
+  AddCondition(*other, 5, qbe_ClauseEqualTo, V(1));  // same identity, later in the tree
   EXPECT_EQ(query->ReturnConditionDescription(5), "Activ (Clienti activi) sa fie Da");
   EXPECT_EQ(query->ReturnConditionDescription(6), "");
 }
 
 TEST(ConditionDescriber, OperandsThatDoNotConvertRaise) {
-  const VariantArray array;
-  EXPECT_TRUE(RaisesRuntimeError(
-      [&] { Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, Variant(array)); },
-      kErrTypeMismatch));
-  EXPECT_TRUE(RaisesRuntimeError(
-      [&] { Describe(qbe_DataBoolean, qbe_DataBoolean, qbe_ClauseEqualTo, Variant(array)); },
-      kErrTypeMismatch));
-  EXPECT_TRUE(RaisesRuntimeError(
-      [&] { Describe(qbe_DataNumeric, qbe_DataDate, qbe_ClauseEqualTo, Variant::Nothing()); },
-      kErrObjectVariableNotSet));
+  const V array(VariantArray{});
+  // clang-format off
+  const std::vector<std::tuple<qbe_DataType, qbe_DataType, V, std::int32_t>> cases = {
+      {qbe_DataString,  qbe_DataString,  array,        kErrTypeMismatch},
+      {qbe_DataBoolean, qbe_DataBoolean, array,        kErrTypeMismatch},
+      {qbe_DataNumeric, qbe_DataDate,    V::Nothing(), kErrObjectVariableNotSet},
+  };
+  // clang-format on
+  for (const auto& [db_type, show_as, value, number] : cases) {
+    EXPECT_TRUE(RaisesRuntimeError(
+        [&] { Describe(db_type, show_as, qbe_ClauseEqualTo, value); }, number));
+  }
 }
 
 }  // namespace

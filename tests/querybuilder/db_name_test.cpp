@@ -3,37 +3,36 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 namespace brix {
 namespace {
 
 TEST(NormalizeDBName, PlainAndDottedNames) {
-  struct Case {
-    const char* given;
-    const char* stored;
-  } const cases[] = {
-      {"Order Date", "[Order Date]"},
-      {" Order Date ", "[Order Date]"},
-      {"Orders", "Orders"},
-      {"  Orders  ", "Orders"},
-      {"Sum(Amount) x", "Sum(Amount) x"},
-      {" Sum(Amount) x ", "Sum(Amount) x"},
-      {"[Order Date]", "[Order Date]"},
-      {"a)b c", "[a)b c]"},  // only the dotted rule looks at ")"
-      {"x [y]", "[x [y]]"},  // only the dotted rule looks at "[" inside
-      {"a\tb", "a\tb"},
-      {"", ""},
-      {"   ", ""},
-      {"dbo.Order Date", "dbo.[Order Date]"},
-      {"dbo. Order", "dbo.[ Order]"},
-      {" dbo . Orders ", "[ dbo ].[ Orders ]"},
-      {"dbo.a)b c", "dbo.a)b c"},
-      {"dbo.x [y]", "dbo.x [y]"},
-      {"dbo.[Order Date]", "dbo.[Order Date]"},
-      {"a..b", "a..b"},
-      {".", "."},
-      {"dbo.Sum(x) y", "dbo.Sum(x) y"},
+  // clang-format off
+  const std::vector<std::pair<const char*, const char*>> cases = {
+      {"Order Date",        "[Order Date]"},
+      {" Order Date ",      "[Order Date]"},
+      {"  Orders  ",        "Orders"},
+      {" Sum(Amount) x ",   "Sum(Amount) x"},
+      {"[Order Date]",      "[Order Date]"},
+      {"a)b c",             "[a)b c]"},  // only the dotted rule looks at ")"
+      {"x [y]",             "[x [y]]"},  // only the dotted rule looks at "[" inside
+      {"a\tb",              "a\tb"},
+      {"   ",               ""},
+      {"dbo.Order Date",    "dbo.[Order Date]"},
+      {"dbo. Order",        "dbo.[ Order]"},
+      {" dbo . Orders ",    "[ dbo ].[ Orders ]"},
+      {"dbo.a)b c",         "dbo.a)b c"},
+      {"dbo.x [y]",         "dbo.x [y]"},
+      {"dbo.[Order Date]",  "dbo.[Order Date]"},
+      {"a..b",              "a..b"},
+      {".",                 "."},
+      {"dbo.Sum(x) y",      "dbo.Sum(x) y"},
   };
-  for (const auto& c : cases) EXPECT_EQ(NormalizeDBName(c.given), c.stored) << c.given;
+  // clang-format on
+  for (const auto& [given, stored] : cases) EXPECT_EQ(NormalizeDBName(given), stored) << given;
 }
 
 }  // namespace

@@ -19,11 +19,12 @@ namespace brix {
 namespace {
 
 using test_support::AddCondition;
-using test_support::AddField;
-using test_support::AddTable;
+using test_support::BuildQuery;
 using test_support::RaisesError;
+using V = Variant;
+using Texts = std::vector<std::string>;
 
-constexpr char kSource[] = "[OrlaXML_qb].[xqb_Persistence].[AddParamValues]";
+constexpr auto kClause = qbe_ClauseContains;  // the parameter's clause, given to every value
 
 // Runs `test` on a new thread at a fixed noon: the random identities drawn there are known
 // (9229, then 4837, 2723, 2374).
@@ -35,23 +36,19 @@ void InFreshThread(Test test) {
   }).join();
 }
 
-Variant Values(std::vector<Variant> items, std::int32_t lower_bound = 0) {
-  return Variant(VariantArray{std::move(items), lower_bound});
+V Values(std::vector<V> items, std::int32_t lower_bound = 0) {
+  return V(VariantArray{std::move(items), lower_bound});
 }
 
-// Table Acte with the field Emitent, whose condition 1 is the parameter "P" (clause EqualTo).
+// Tables Altele and Acte; the field Acte.Emitent carries the parameter "P" as condition 1.
 struct Sample {
-  std::shared_ptr<xqb_Query> query = xqb_Query::Create();
-  std::shared_ptr<xqb_Field> field;
-  Sample() {
-    AddTable(*query, "Altele");
-    field = AddField(*AddTable(*query, "Acte"), "Emitent");
-    field->SetIsDTIndex(true);
-    AddCondition(*field, 1, qbe_ClauseEqualTo)->SetParamName("P");
-  }
+  std::shared_ptr<xqb_Query> query = BuildQuery(
+      {{"Altele"}, {"Acte", {{.name = "Emitent", .conditions = {{kClause, V(""), V(""), "P"}}, .dt_index = true}}}});
+  std::shared_ptr<xqb_Field> field = query->Tables()->Item(V(2))->Fields()->Item(V(1));
+
   // The values of the conditions after the parameter, as text.
-  std::vector<std::string> Added() const {
-    std::vector<std::string> values;
+  Texts Added() const {
+    Texts values;
     for (const auto& condition : *field->Conditions()) {
       if (condition->ParamName().empty()) values.push_back(ConcatText(condition->Value()));
     }
@@ -60,13 +57,14 @@ struct Sample {
 };
 
 TEST(ParameterExpander, AddsOneConditionPerValue) {
-  using Texts = std::vector<std::string>;
-  const std::vector<std::pair<Variant, Texts>> cases = {
-      {Values({Variant("a"), Variant(""), Variant("b")}), {"a", "b"}},
-      {Values({Variant(), Variant::Null(), Variant(0), Variant(false)}, -3), {"0", "False"}},
-      {Variant(ByteArray{7, 0}), {"7", "0"}},
-      {Values({}), {}},
+  // clang-format off
+  const std::vector<std::pair<V, Texts>> cases = {
+      {Values({V("a"), V(""), V("b")}),                   {"a", "b"}},
+      {Values({V(), V::Null(), V(0), V(false)}, -3),      {"0", "False"}},
+      {V(ByteArray{7, 0}),                                {"7", "0"}},
+      {Values({}),                                        {}},
   };
+  // clang-format on
   for (const auto& [values, expected] : cases) {
     InFreshThread([&] {
       Sample sample;
@@ -74,7 +72,7 @@ TEST(ParameterExpander, AddsOneConditionPerValue) {
       EXPECT_EQ(sample.Added(), expected);
       for (const auto& condition : *sample.field->Conditions()) {
         if (!condition->ParamName().empty()) continue;
-        EXPECT_EQ(condition->Clause(), qbe_ClauseEqualTo);
+        EXPECT_EQ(condition->Clause(), kClause);
         EXPECT_EQ(condition->SecondaryValue().AsString(), "");
         EXPECT_FALSE(condition->IsEditable());
         EXPECT_EQ(condition->Tag(), "ConditionFromParam");
@@ -86,78 +84,57 @@ TEST(ParameterExpander, AddsOneConditionPerValue) {
 TEST(ParameterExpander, UnknownNameChangesNothing) {
   ScopedClock fixed(45000.5);
   Sample sample;
-  sample.query->AddParamValues("p", Values({Variant("a")}));  // names are case-sensitive
-  sample.query->AddParamValues("Q", Variant("not an array"));
+  sample.query->AddParamValues("p", Values({V("a")}));  // names are case-sensitive
+  sample.query->AddParamValues("Q", V("not an array"));
   EXPECT_EQ(sample.field->Conditions()->Count(), 1);
 }
 
 TEST(ParameterExpander, ExpandedValuesReachTheRenderers) {
   InFreshThread([] {
     Sample sample;
-    sample.query->AddParamValues("P", Values({Variant("x"), Variant("y")}));
-    EXPECT_EQ(sample.query->ReturnDTConditions(), "");  // only the first table is searched
-    sample.query->Tables()->Remove(Variant(1));
+    sample.query->AddParamValues("P", Values({V("x"), V("y")}));
+    sample.query->Tables()->Remove(V(1));
     EXPECT_EQ(sample.query->ReturnDTConditions(),
               "((Emitent contains (x)) OR (Emitent contains (y)))");
-    EXPECT_EQ(sample.query->ReturnWHEREConditions(), "(Emitent = 'x' OR Emitent = 'y')");
+    EXPECT_EQ(sample.query->ReturnWHEREConditions(), "(Emitent LIKE '%x%' OR Emitent LIKE '%y%')");
   });
 }
 
 TEST(ParameterExpander, FailuresAreReportedAndKeepWhatWasAdded) {
-  using Texts = std::vector<std::string>;
-  std::vector<Variant> to_32767;
-  for (int i = 0; i < 8; ++i) to_32767.emplace_back(std::to_string(i));
+  std::vector<V> eight;
+  for (int i = 0; i < 8; ++i) eight.emplace_back(std::to_string(i));
+  const std::string nothing = "Object variable or With block variable not set";
+  const std::string duplicate = "A condition with this characteristics already exists in this field!";
+  const std::string used_key = "This key is already associated with an element of this collection";
   struct Case {
-    const char* name;
-    Variant values;
-    std::int32_t used_identity;  // a condition already holding it; 0 for none
+    V values;
+    std::int32_t held;  // identity of a held condition with value "dup" (-1: none)
     std::string reason;
     Texts kept;
   };
+  // clang-format off
   const std::vector<Case> cases = {
-      {"not an array", Variant("a"), 0, "Type mismatch", {}},
-      {"error element", Values({Variant("a"), Variant(ErrorValue{5})}), 0, "Type mismatch", {"a"}},
-      {"array element", Values({Variant(VariantArray{})}), 0, "Type mismatch", {}},
-      {"nothing element",
-       Values({Variant("a"), Variant::Nothing()}),
-       0,
-       "Object variable or With block variable not set",
-       {"a"}},
-      {"duplicate condition",
-       Values({Variant("a"), Variant("dup")}),
-       0,
-       "A condition with this characteristics already exists in this field!",
-       {"dup", "a"}},
-      {"used identity",
-       Values({Variant("a"), Variant("b")}),
-       4837,
-       "This key is already associated with an element of this collection",
-       {"dup", "a"}},
-      {"upper bound beyond 16 bits",
-       Values({Variant("a"), Variant("b")}, 32767),
-       0,
-       "Overflow",
-       {}},
-      {"lower bound beyond 16 bits", Values({Variant("a")}, -32769), 0, "Overflow", {}},
-      {"counter steps past 32767",
-       Values(to_32767, 32760),
-       0,
-       "Overflow",
-       {"0", "1", "2", "3", "4", "5", "6", "7"}},
+      {V("a"),                                 -1,   "Type mismatch", {}},
+      {Values({V("a"), V(ErrorValue{5})}),     -1,   "Type mismatch", {"a"}},
+      {Values({V(VariantArray{})}),            -1,   "Type mismatch", {}},
+      {Values({V("a"), V::Nothing()}),         -1,   nothing,         {"a"}},
+      {Values({V("a"), V("dup")}),             0,    duplicate,       {"dup", "a"}},
+      {Values({V("a"), V("b")}),               4837, used_key,        {"dup", "a"}},
+      {Values({V("a"), V("b")}, 32767),        -1,   "Overflow",      {}},  // upper bound
+      {Values({V("a")}, -32769),               -1,   "Overflow",      {}},
+      {Values(eight, 32760),                   -1,   "Overflow",      {"0", "1", "2", "3", "4", "5", "6", "7"}},
   };
+  // clang-format on
   for (const auto& c : cases) {
     InFreshThread([&] {
       Sample sample;
-      if (!c.kept.empty() && c.kept.front() == "dup") {
-        // Equal value and secondary value: adding "dup" again is a duplicate.
-        AddCondition(*sample.field, c.used_identity, qbe_ClauseEqualTo, Variant("dup"),
-                     Variant("dup"));
-      }
+      // Equal value and secondary value: adding "dup" again is a duplicate.
+      if (c.held >= 0) AddCondition(*sample.field, c.held, kClause, V("dup"), V("dup"));
       EXPECT_TRUE(RaisesError([&] { sample.query->AddParamValues("P", c.values); },
-                              kErrAddParamValues, kSource,
+                              kErrAddParamValues, "[OrlaXML_qb].[xqb_Persistence].[AddParamValues]",
                               "Couldn't add parameter!\r\nReason: " + c.reason))
-          << c.name;
-      EXPECT_EQ(sample.Added(), c.kept) << c.name;
+          << c.reason;
+      EXPECT_EQ(sample.Added(), c.kept) << c.reason;
     });
   }
   EXPECT_EQ(kErrAddParamValues, static_cast<std::int32_t>(0x80042774u));

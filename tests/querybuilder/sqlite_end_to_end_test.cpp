@@ -13,9 +13,6 @@
 namespace brix {
 namespace {
 
-using test_support::AddCondition;
-using test_support::AddField;
-using test_support::AddTable;
 
 constexpr const char* kSchema = R"sql(
   CREATE TABLE Customers (ID INTEGER, Name TEXT, [Credit Limit] REAL, Active BOOLEAN,
@@ -64,129 +61,105 @@ class SqliteEndToEnd : public ::testing::Test {
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> db_{nullptr, sqlite3_close};
 };
 
-struct Case {
-  const char* field;
-  qbe_DataType type;
-  qbe_ClauseOperator kind;
-  Variant value;
-  Variant secondary;
-  std::vector<std::string> ids;
-};
+using test_support::BuildQuery;
+using test_support::FieldRow;
+using V = Variant;
+using Texts = std::vector<std::string>;
 
 TEST_F(SqliteEndToEnd, EveryClauseKindSelectsItsRows) {
   ScopedClock clock(40240 + 14.5 / 24);  // 14:30
-  const Variant none("");
-  const std::vector<Case> cases = {
-      {"Name", qbe_DataString, qbe_ClauseBetween, Variant("A"), Variant("B"), {"1", "4"}},
-      {"Name", qbe_DataString, qbe_ClauseContains, Variant("an"), none, {"1", "3", "4"}},
-      {"Name", qbe_DataString, qbe_ClauseEqualTo, Variant("O'Brien"), none, {"2"}},
-      {"Name", qbe_DataString, qbe_ClauseGreaterOrEqual, Variant("B"), none, {"2", "3"}},
-      {"Name", qbe_DataString, qbe_ClauseGreaterThan, Variant("Anca"), none, {"2", "3"}},
-      {"Notes", qbe_DataString, qbe_ClauseIsEmpty, none, none, {"2", "3"}},
-      {"Notes", qbe_DataMemo, qbe_ClauseIsNull, none, none, {"2"}},
-      {"Name", qbe_DataString, qbe_ClauseLessOrEqual, Variant("Ana"), none, {"1"}},
-      {"Name", qbe_DataString, qbe_ClauseLessThan, Variant("Anca"), none, {"1"}},
-      {"Name", qbe_DataString, qbe_ClauseNotContains, Variant("an"), none, {"2"}},
-      {"Name", qbe_DataString, qbe_ClauseNotEqual, Variant("Ana"), none, {"2", "3", "4"}},
-      {"Name", qbe_DataString, qbe_ClauseNotStartingWith, Variant("An"), none, {"2", "3"}},
-      {"Name", qbe_DataString, qbe_ClauseStartingWith, Variant("An"), none, {"1", "4"}},
-      {"Name", qbe_DataString, qbe_ClauseToday, Variant("Bogdan"), none, {"3"}},
-      {"Name", qbe_DataString, qbe_ClauseThisWeek, Variant("B"), Variant("P"), {"2", "3"}},
-      {"Name", qbe_DataString, qbe_ClauseThisMonth, Variant("B"), Variant("P"), {"2", "3"}},
-      {"ID", qbe_DataNumeric, qbe_ClauseInList, Variant("(1, 3)"), none, {"1", "3"}},
-      {"ID", qbe_DataNumeric, qbe_ClauseLastXDays, Variant(2), Variant(3), {"2", "3"}},
-      {"ID", qbe_DataNumeric, qbe_ClauseNotInList, Variant("(1, 3)"), none, {"2", "4"}},
-      // Both tests are joined with OR, so an empty text passes as not null.
-      {"Notes", qbe_DataString, qbe_ClauseNotIsEmpty, none, none, {"1", "3", "4"}},
-      {"Credit Limit",
-       qbe_DataNumeric,
-       qbe_ClauseLastXMonths,
-       Variant(90),
-       Variant(300),
-       {"1", "2"}},
-      {"Name", qbe_DataString, qbe_ClauseThisYear, Variant("B"), Variant("P"), {"2", "3"}},
-      {"Name", qbe_DataString, qbe_ClauseYear, Variant("B"), Variant("P"), {"2", "3"}},
-      {"ID", qbe_DataNumeric, qbe_ClauseLastXYears, Variant(3), Variant(9), {"3", "4"}},
-      {"Notes",
-       qbe_DataMemo,
-       qbe_ClauseContainsWordsNear,
-       Variant("x"),
-       none,
-       {"1", "2", "3", "4"}},
-      {"Notes", qbe_DataMemo, qbe_ClauseContainsWords, Variant("x"), none, {"1", "2", "3", "4"}},
-      {"Notes",
-       qbe_DataMemo,
-       qbe_ClauseContainsExpression,
-       Variant("x"),
-       none,
-       {"1", "2", "3", "4"}},
-      {"ID", qbe_DataNumeric, qbe_ClauseNextXDays, Variant(1), Variant(2), {"1", "2"}},
-      {"Credit Limit", qbe_DataNumeric, qbe_ClauseOverXDays, Variant(250.5), none, {"2"}},
-      {"Last Visit", qbe_DataString, qbe_ClauseTimeNow, none, none, {"2", "4"}},
-      {"Last Visit", qbe_DataString, qbe_ClauseTimeGreaterThanNow, none, none, {"2", "3", "4"}},
-      {"Last Visit", qbe_DataString, qbe_ClauseTimeLessThanNow, none, none, {"1", "2", "4"}},
-      {"Active", qbe_DataBoolean, qbe_ClauseEqualTo, Variant(true), none, {"1", "3"}},
-      {"Active", qbe_DataBoolean, qbe_ClauseNotEqual, Variant(true), none, {"2", "4"}},
-      {"Credit Limit", qbe_DataNumeric, qbe_ClauseIsEmpty, none, none, {"3"}},
-      {"Credit Limit", qbe_DataNumeric, qbe_ClauseNotIsEmpty, none, none, {"1", "2", "4"}},
+  const V none("");
+  constexpr auto S = qbe_DataString, N = qbe_DataNumeric, M = qbe_DataMemo;
+  struct Case {
+    const char* field;
+    qbe_DataType type;
+    qbe_ClauseOperator kind;
+    V value;
+    V secondary;
+    Texts ids;
   };
+  // clang-format off
+  const std::vector<Case> cases = {
+      {"Name",         S, qbe_ClauseBetween,             V("A"),       V("B"),   {"1", "4"}},
+      {"Name",         S, qbe_ClauseContains,            V("an"),      none,     {"1", "3", "4"}},
+      {"Name",         S, qbe_ClauseEqualTo,             V("O'Brien"), none,     {"2"}},
+      {"Name",         S, qbe_ClauseGreaterOrEqual,      V("B"),       none,     {"2", "3"}},
+      {"Name",         S, qbe_ClauseGreaterThan,         V("Anca"),    none,     {"2", "3"}},
+      {"Notes",        S, qbe_ClauseIsEmpty,             none,         none,     {"2", "3"}},
+      {"Notes",        M, qbe_ClauseIsNull,              none,         none,     {"2"}},
+      {"Name",         S, qbe_ClauseLessOrEqual,         V("Ana"),     none,     {"1"}},
+      {"Name",         S, qbe_ClauseLessThan,            V("Anca"),    none,     {"1"}},
+      {"Name",         S, qbe_ClauseNotContains,         V("an"),      none,     {"2"}},
+      {"Name",         S, qbe_ClauseNotEqual,            V("Ana"),     none,     {"2", "3", "4"}},
+      {"Name",         S, qbe_ClauseNotStartingWith,     V("An"),      none,     {"2", "3"}},
+      {"Name",         S, qbe_ClauseStartingWith,        V("An"),      none,     {"1", "4"}},
+      {"Name",         S, qbe_ClauseToday,               V("Bogdan"),  none,     {"3"}},
+      {"Name",         S, qbe_ClauseThisWeek,            V("B"),       V("P"),   {"2", "3"}},
+      {"Name",         S, qbe_ClauseThisMonth,           V("B"),       V("P"),   {"2", "3"}},
+      {"ID",           N, qbe_ClauseInList,              V("(1, 3)"),  none,     {"1", "3"}},
+      {"ID",           N, qbe_ClauseLastXDays,           V(2),         V(3),     {"2", "3"}},
+      {"ID",           N, qbe_ClauseNotInList,           V("(1, 3)"),  none,     {"2", "4"}},
+      // Both tests are joined with OR, so an empty text passes as not null.
+      {"Notes",        S, qbe_ClauseNotIsEmpty,          none,         none,     {"1", "3", "4"}},
+      {"Credit Limit", N, qbe_ClauseLastXMonths,         V(90),        V(300),   {"1", "2"}},
+      {"Name",         S, qbe_ClauseThisYear,            V("B"),       V("P"),   {"2", "3"}},
+      {"Name",         S, qbe_ClauseYear,                V("B"),       V("P"),   {"2", "3"}},
+      {"ID",           N, qbe_ClauseLastXYears,          V(3),         V(9),     {"3", "4"}},
+      {"Notes",        M, qbe_ClauseContainsWordsNear,   V("x"),       none,     {"1", "2", "3", "4"}},
+      {"Notes",        M, qbe_ClauseContainsWords,       V("x"),       none,     {"1", "2", "3", "4"}},
+      {"Notes",        M, qbe_ClauseContainsExpression,  V("x"),       none,     {"1", "2", "3", "4"}},
+      {"ID",           N, qbe_ClauseNextXDays,           V(1),         V(2),     {"1", "2"}},
+      {"Credit Limit", N, qbe_ClauseOverXDays,           V(250.5),     none,     {"2"}},
+      {"Last Visit",   S, qbe_ClauseTimeNow,             none,         none,     {"2", "4"}},
+      {"Last Visit",   S, qbe_ClauseTimeGreaterThanNow,  none,         none,     {"2", "3", "4"}},
+      {"Last Visit",   S, qbe_ClauseTimeLessThanNow,     none,         none,     {"1", "2", "4"}},
+      {"Active",       qbe_DataBoolean, qbe_ClauseEqualTo,  V(true),   none,     {"1", "3"}},
+      {"Active",       qbe_DataBoolean, qbe_ClauseNotEqual, V(true),   none,     {"2", "4"}},
+      {"Credit Limit", N, qbe_ClauseIsEmpty,             none,         none,     {"3"}},
+      {"Credit Limit", N, qbe_ClauseNotIsEmpty,          none,         none,     {"1", "2", "4"}},
+  };
+  // clang-format on
   for (const Case& c : cases) {
-    auto query = xqb_Query::Create();
-    auto customers = AddTable(*query, "Customers");
-    auto id = AddField(*customers, "ID", qbe_DataNumeric);
-    id->SetOrderByOrder(qbe_SortAscending);
-    id->SetOrderByLevel(1);
-    auto field = id;
-    if (c.field != std::string_view("ID")) {
-      field = AddField(*customers, c.field, c.type);
-      field->SetUseInStatement(false);
+    // Customers.ID selected and sorted; another filtered field only filters.
+    FieldRow id{.name = "ID", .type = N, .sort = qbe_SortAscending, .sort_level = 1};
+    FieldRow filtered{.name = c.field, .type = c.type, .conditions = {{c.kind, c.value, c.secondary}},
+                      .in_statement = false};
+    std::vector<FieldRow> fields = {id, filtered};
+    if (filtered.name == "ID") {
+      id.conditions = filtered.conditions;
+      fields = {id};
     }
-    AddCondition(*field, 1, c.kind, c.value, c.secondary);
+    auto query = BuildQuery({{"Customers", fields}});
     EXPECT_EQ(Rows(query->ReturnSQL()), c.ids) << "kind " << c.kind << ": " << query->ReturnSQL();
   }
 }
 
 TEST_F(SqliteEndToEnd, JoinedTablesWithGroupsOrderAndLimit) {
-  auto query = xqb_Query::Create();
-  auto customers = AddTable(*query, "Customers");
-  auto id = AddField(*customers, "ID", qbe_DataNumeric);
-  id->SetAppearanceOrder(1);
-  id->SetLinksWithField("Orders.CustomerID");
-  id->SetGroupByLevel(1);
-  id->SetOrderByOrder(qbe_SortDescending);
-  id->SetOrderByLevel(1);
-  auto limit = AddField(*customers, "Credit Limit", qbe_DataNumeric);
-  limit->SetAlias("[Credit Limit]");
-  limit->SetAppearanceOrder(2);
-  limit->SetGroupByLevel(2);
-  auto orders = AddTable(*query, "Orders");
-  auto count = AddField(*orders, "N", qbe_DataNumeric);
-  count->SetCalculatedFormula("Count(Orders.Product)");
-  auto product = AddField(*orders, "Product");
-  product->SetUseInStatement(false);
-  AddCondition(*product, 1, qbe_ClauseNotEqual, Variant("pot"));
-  EXPECT_EQ(Rows(query->ReturnSQL(2)), (std::vector<std::string>{"4|80.0|2", "1|100.0|2"}));
+  auto query = BuildQuery(
+      {{"Customers",
+        {{.name = "ID", .type = qbe_DataNumeric, .place = 1, .links = "Orders.CustomerID", .group_level = 1,
+          .sort = qbe_SortDescending, .sort_level = 1},
+         {.name = "Credit Limit", .type = qbe_DataNumeric, .alias = "[Credit Limit]", .place = 2, .group_level = 2}}},
+       {"Orders",
+        {{.name = "N", .type = qbe_DataNumeric, .formula = "Count(Orders.Product)"},
+         {.name = "Product", .conditions = {{qbe_ClauseNotEqual, V("pot")}}, .in_statement = false}}}});
+  EXPECT_EQ(Rows(query->ReturnSQL(2)), (Texts{"4|80.0|2", "1|100.0|2"}));
 }
 
 TEST_F(SqliteEndToEnd, FilterJoinsAndOrderOnTablesWithBlanks) {
   // The table list brackets stored names again ([[Order Items]]), so a host that uses such
   // names writes its own FROM around the filter and the order list.
-  auto query = xqb_Query::Create();
-  auto customers = AddTable(*query, "Customers");
-  auto id = AddField(*customers, "ID", qbe_DataNumeric);
-  id->SetLinksWithField("[Order Items].CustomerID");
-  id->SetOrderByOrder(qbe_SortAscending);
-  id->SetOrderByLevel(1);
-  auto items = AddTable(*query, "Order Items");
-  auto price = AddField(*items, "Unit Price", qbe_DataNumeric);
-  price->SetOrderByOrder(qbe_SortDescending);
-  price->SetOrderByLevel(2);
-  AddCondition(*price, 1, qbe_ClauseGreaterThan, Variant(10));
-  std::string sql = "SELECT Customers.ID, [Order Items].[Unit Price] FROM Customers, " +
-                    items->DBName() + " WHERE " +
+  auto query = BuildQuery(
+      {{"Customers",
+        {{.name = "ID", .type = qbe_DataNumeric, .links = "[Order Items].CustomerID", .sort = qbe_SortAscending,
+          .sort_level = 1}}},
+       {"Order Items",
+        {{.name = "Unit Price", .type = qbe_DataNumeric, .conditions = {{qbe_ClauseGreaterThan, V(10)}},
+          .sort = qbe_SortDescending, .sort_level = 2}}}});
+  std::string sql = "SELECT Customers.ID, [Order Items].[Unit Price] FROM Customers, [Order Items] WHERE " +
                     query->ReturnWHEREConditions(true, nullptr, true) + " ORDER BY " +
                     query->ReturnOrderByFields();
-  EXPECT_EQ(Rows(sql), (std::vector<std::string>{"1|12.5", "2|30.0", "4|50.0", "4|11.0"}));
+  EXPECT_EQ(Rows(sql), (Texts{"1|12.5", "2|30.0", "4|50.0", "4|11.0"}));
 }
 
 }  // namespace
