@@ -27,14 +27,12 @@ void ExpectSystemClock() {
 TEST(Clock, ScopedClocksNestAndRestoreTheSystemClock) {
   {
     ScopedClock outer(kMarch1st2010 + 0.5);
-    EXPECT_EQ(Now(), kMarch1st2010 + 0.5);
-    EXPECT_EQ(SystemDate(), kMarch1st2010);
-    EXPECT_EQ(Timer(), 43200.0f);
     {
       ScopedClock inner(std::make_shared<FixedClock>(kMarch1st2010 + 3661.25 / 86400.0));
       EXPECT_EQ(Timer(), 3661.25f);
     }
     EXPECT_EQ(Now(), kMarch1st2010 + 0.5);
+    EXPECT_EQ(SystemDate(), kMarch1st2010);
   }
   ExpectSystemClock();
   Clock::Set(std::make_shared<FixedClock>(kMarch1st2010));

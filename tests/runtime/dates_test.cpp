@@ -4,68 +4,41 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "runtime/conversions.h"
-#include "tests/runtime/runtime_test_support.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/value_object.h"
 
 namespace brix {
 namespace {
-
-using test_support::RaisesRuntimeError;
 
 constexpr double kMarch1st2010 = 40238;  // a Monday
 constexpr double kMarch2nd2010 = 40239;
 
 TEST(DateSerial, CarriesOutOfRangePartsIntoTheNextUnit) {
-  struct Case {
-    int year, month, day;
-    CivilDate expected;
-  };
   // clang-format off
+  struct Case { int year, month, day; CivilDate expected; };
   const Case cases[] = {
-      {2010, 13,  1,  {2011, 1, 1}},
-      {2010, 0,   1,  {2009, 12, 1}},
-      {2012, 3,   0,  {2012, 2, 29}},
-      {2010, 1,   35, {2010, 2, 4}},
-      {2010, 1,   -31, {2009, 11, 30}},
-      {29,   1,   1,  {2029, 1, 1}},  // two-digit years, mapped before any carry
-      {30,   1,   1,  {1930, 1, 1}},
-      {0,    1,   1,  {2000, 1, 1}},
-      {99,   13,  1,  {2000, 1, 1}},
-      {100,  1,   1,  {100, 1, 1}},
-      {9999, 12,  31, {9999, 12, 31}},
-      {1900, 2,   29, {1900, 3, 1}},
-      {2000, 2,   29, {2000, 2, 29}},
+      {2010, 13, 1,   {2011, 1, 1}},
+      {2010, 0,  1,   {2009, 12, 1}},
+      {2012, 3,  0,   {2012, 2, 29}},
+      {2010, 1,  -31, {2009, 11, 30}},
+      {29,   1,  1,   {2029, 1, 1}},  // two-digit years, mapped before any carry
+      {30,   1,  1,   {1930, 1, 1}},
+      {0,    1,  1,   {2000, 1, 1}},
+      {99,   13, 1,   {2000, 1, 1}},
+      {100,  1,  1,   {100, 1, 1}},
+      {9999, 12, 31,  {9999, 12, 31}},
+      {1900, 2,  29,  {1900, 3, 1}},
+      {2000, 2,  29,  {2000, 2, 29}},
   };
   // clang-format on
   for (const Case& c : cases) {
-    SCOPED_TRACE(std::to_string(c.year) + "/" + std::to_string(c.month) + "/" +
-                 std::to_string(c.day));
-    EXPECT_EQ(ToCivil(DateSerial(c.year, c.month, c.day)), c.expected);
+    EXPECT_EQ(ToCivil(DateSerial(c.year, c.month, c.day)), c.expected) << c.year << "/" << c.month;
   }
   EXPECT_EQ(DateSerial(1900, 1, 1), 2);
   EXPECT_EQ(DateSerial(2010, 3, 1), kMarch1st2010);
-}
-
-TEST(Dates, RaiseOutsideTheDateRange) {
-  // clang-format off
-  const std::pair<std::int32_t, void (*)()> cases[] = {
-      {6, [] { DateSerial(100, 1, 0); }},
-      {6, [] { DateSerial(9999, 13, 1); }},
-      {6, [] { DateSerial(2010, 40000, 1); }},  // an argument beyond an Integer
-      {6, [] { DateSerial(2010, 1, -40000); }},
-      {6, [] { ToCivil(2958466); }},
-      {6, [] { Year(-657435); }},
-      {5, [] { Weekday(0, static_cast<FirstDayOfWeek>(8)); }},
-      {5, [] { DateAdd(DateInterval::kYear, -1, DateSerial(100, 6, 1)); }},
-      {5, [] { DateAdd(DateInterval::kDay, 1, 2958465); }},
-      {6, [] { DateAdd(DateInterval::kDay, 1e10, 0); }},
-      {13, [] { Format(Variant(ByteArray{1}), "yyyy"); }},
-      {91, [] { Format(Variant::Nothing(), "yyyy"); }},
-  };
-  // clang-format on
-  for (const auto& [error, action] : cases) EXPECT_TRUE(RaisesRuntimeError(action, error));
 }
 
 TEST(ToCivil, NegativeDayNumbersCountTheTimeForward) {
@@ -79,12 +52,32 @@ TEST(ToCivil, NegativeDayNumbersCountTheTimeForward) {
   EXPECT_EQ(DatePart(-1.25), -2);  // the platform's Int, wrong below 0 on purpose
 }
 
-TEST(Weekday, CountsFromTheFirstDayOfTheWeek) {
-  struct Case {
-    double serial;
-    int sunday_first, monday_first;
-  };
+TEST(Dates, RaiseOutsideTheDateRange) {
   // clang-format off
+  const std::pair<std::int32_t, void (*)()> cases[] = {
+      {6,  [] { DateSerial(100, 1, 0); }},
+      {6,  [] { DateSerial(9999, 13, 1); }},
+      {6,  [] { DateSerial(2010, 40000, 1); }},  // an argument beyond an Integer
+      {6,  [] { DateSerial(2010, 1, -40000); }},
+      {6,  [] { ToCivil(2958466); }},
+      {6,  [] { Year(-657435); }},
+      {5,  [] { Weekday(0, static_cast<FirstDayOfWeek>(8)); }},
+      {5,  [] { DateAdd(DateInterval::kYear, -1, DateSerial(100, 6, 1)); }},
+      {5,  [] { DateAdd(DateInterval::kMonth, 1, DateSerial(9999, 12, 1)); }},
+      {5,  [] { DateAdd(DateInterval::kDay, 1, 2958465); }},
+      {6,  [] { DateAdd(DateInterval::kDay, 1e10, 0); }},
+      {13, [] { Format(Variant(ByteArray{1}), "yyyy"); }},
+      {91, [] { Format(Variant::Nothing(), "yyyy"); }},
+  };
+  // clang-format on
+  for (const auto& [error, action] : cases) {
+    EXPECT_TRUE(test_support::RaisesRuntimeError(action, error));
+  }
+}
+
+TEST(Weekday, CountsFromTheFirstDayOfTheWeek) {
+  // clang-format off
+  struct Case { double serial; int sunday_first, monday_first; };
   const Case cases[] = {
       {kMarch1st2010,       2, 1},  // Monday
       {kMarch1st2010 + 5,   7, 6},  // Saturday
@@ -93,10 +86,9 @@ TEST(Weekday, CountsFromTheFirstDayOfTheWeek) {
   };
   // clang-format on
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.serial);
-    EXPECT_EQ(Weekday(c.serial), c.sunday_first);
-    EXPECT_EQ(Weekday(c.serial, vbUseSystemDayOfWeek), c.sunday_first);
-    EXPECT_EQ(Weekday(c.serial, vbMonday), c.monday_first);
+    EXPECT_EQ(Weekday(c.serial), c.sunday_first) << c.serial;
+    EXPECT_EQ(Weekday(c.serial, vbUseSystemDayOfWeek), c.sunday_first) << c.serial;
+    EXPECT_EQ(Weekday(c.serial, vbMonday), c.monday_first) << c.serial;
   }
   EXPECT_EQ(Weekday(kMarch1st2010, vbSaturday), 3);
 }
@@ -104,84 +96,63 @@ TEST(Weekday, CountsFromTheFirstDayOfTheWeek) {
 TEST(DateAdd, ClampsToTheLastDayOfTheMonthAndKeepsTheTime) {
   constexpr DateInterval kDay = DateInterval::kDay, kMonth = DateInterval::kMonth,
                          kYear = DateInterval::kYear;
-  struct Case {
-    DateInterval interval;
-    double number, from, expected;
-  };
   // clang-format off
+  struct Case { DateInterval interval; double number, from, expected; };
   const Case cases[] = {
-      {kMonth, 1,   DateSerial(2010, 1, 31),   DateSerial(2010, 2, 28)},
-      {kMonth, 1,   DateSerial(2012, 1, 31),   DateSerial(2012, 2, 29)},
-      {kMonth, -1,  DateSerial(2010, 3, 31),   DateSerial(2010, 2, 28)},
-      {kMonth, -3,  DateSerial(2010, 2, 15),   DateSerial(2009, 11, 15)},
-      {kMonth, 1,   kMarch1st2010 + 0.75,      DateSerial(2010, 4, 1) + 0.75},
-      {kMonth, 1.5, kMarch1st2010,             DateSerial(2010, 5, 1)},  // half to even
-      {kMonth, 2.5, kMarch1st2010,             DateSerial(2010, 5, 1)},
-      {kMonth, -1,  -1.25,                     DateSerial(1899, 11, 29) - 0.25},
-      {kYear,  1,   DateSerial(1996, 2, 29),   DateSerial(1997, 2, 28)},
-      {kYear,  -2,  kMarch1st2010 + 0.5,       DateSerial(2008, 3, 1) + 0.5},
-      {kDay,   1,   -1.25,                     0.25},  // the time counts forward from day -1
-      {kDay,   -2,  0.25,                      -2.25},
+      {kMonth, 1,   DateSerial(2010, 1, 31), DateSerial(2010, 2, 28)},
+      {kMonth, 1,   DateSerial(2012, 1, 31), DateSerial(2012, 2, 29)},
+      {kMonth, -1,  DateSerial(2010, 3, 31), DateSerial(2010, 2, 28)},
+      {kMonth, -3,  DateSerial(2010, 2, 15), DateSerial(2009, 11, 15)},
+      {kMonth, 1,   kMarch1st2010 + 0.75,    DateSerial(2010, 4, 1) + 0.75},
+      {kMonth, 1.5, kMarch1st2010,           DateSerial(2010, 5, 1)},  // half to even
+      {kMonth, 2.5, kMarch1st2010,           DateSerial(2010, 5, 1)},
+      {kMonth, -1,  -1.25,                   DateSerial(1899, 11, 29) - 0.25},
+      {kYear,  1,   DateSerial(1996, 2, 29), DateSerial(1997, 2, 28)},
+      {kYear,  -2,  kMarch1st2010 + 0.5,     DateSerial(2008, 3, 1) + 0.5},
+      {kDay,   1,   -1.25,                   0.25},  // the time counts forward from day -1
+      {kDay,   -2,  0.25,                    -2.25},
   };
   // clang-format on
   for (const Case& c : cases) {
-    SCOPED_TRACE(GeneralDate(c.from) + " + " + std::to_string(c.number));
-    EXPECT_DOUBLE_EQ(DateAdd(c.interval, c.number, c.from), c.expected);
+    EXPECT_DOUBLE_EQ(DateAdd(c.interval, c.number, c.from), c.expected)
+        << GeneralDate(c.from) << " + " << c.number;
   }
 }
 
 TEST(FormatDate, WritesPatternTokens) {
   const double morning = kMarch2nd2010 + 9 / 24.0 + 7 / 1440.0;  // Tuesday 9:07 AM
   const double evening = kMarch2nd2010 + (21 * 3600 + 5 * 60 + 3) / 86400.0;
-  struct Case {
-    double serial;
-    const char* pattern;
-    const char* expected;
-  };
   // clang-format off
+  struct Case { double serial; const char *pattern, *expected; };
   const Case cases[] = {
-      {kMarch2nd2010,           "dd-MMM-yyyy",       "02-Mar-2010"},
-      {kMarch2nd2010,           "DD-MMM-YYYY",       "02-Mar-2010"},
-      {kMarch2nd2010,           "d-mmm-yy",          "2-Mar-10"},
-      {kMarch2nd2010,           "YYYYMM",            "201003"},
-      {DateSerial(2005, 11, 9), "yy/m/d",            "05/11/9"},
-      {DateSerial(100, 1, 1),   "yyyy",              "100"},
-      {-1.25,                   "dd-MMM-yyyy hh:nn", "29-Dec-1899 06:00"},
-      {morning,                 "HH:MM",             "09:07"},
-      {morning,                 "mm/dd/yyyy hh:mm",  "03/02/2010 09:07"},
-      {morning,                 "hh \\a\\t mm",      "09 at 07"},
-      {morning,                 "h:mm AM/PM",        "9:07 AM"},
-      {evening,                 "hh:nn:ss am/pm",    "09:05:03 pm"},
-      {evening,                 "h A/P",             "9 P"},
-      {evening,                 "h AMPM",            "9 PM"},
-      {evening,                 "h:n:s",             "21:5:3"},
-      {kMarch2nd2010,           "h AM/PM",           "12 AM"},
-      {kMarch2nd2010 + 0.5,     "h AM/PM",           "12 PM"},
-      {kMarch2nd2010,           "hh:mm",             "00:00"},
-      {morning,                 "mmmm dddd ddd",     "March Tuesday Tue"},
-      {morning,                 "ddddd",             "3/2/2010"},
-      {morning,                 "dddddd",            "Tuesday, March 2, 2010"},
-      {morning,                 "ttttt",             "9:07:00 AM"},
-      {morning,                 "c",                 "3/2/2010 9:07:00 AM"},
-      {morning,                 "q y w ww",          "1 61 3 10"},
-      {DateSerial(2010, 1, 3),  "ww",                "2"},  // weeks start on Sunday
-      {kMarch2nd2010,           "\\d\\d \"yyyy\" x!", "dd yyyy x!"},
-      {kMarch2nd2010,           "mmmmm",             "March3"},
+      {kMarch2nd2010,           "dd-MMM-yyyy d-mmm-yy",       "02-Mar-2010 2-Mar-10"},
+      {kMarch2nd2010,           "DD-MMM-YYYY YYYYMM",         "02-Mar-2010 201003"},
+      {kMarch2nd2010,           "\\d\\d \"yyyy\" x! mmmmm",   "dd yyyy x! March3"},
+      {DateSerial(2005, 11, 9), "yy/m/d",                     "05/11/9"},
+      {DateSerial(100, 1, 1),   "yyyy",                       "100"},
+      {-1.25,                   "dd-MMM-yyyy hh:nn",          "29-Dec-1899 06:00"},
+      {morning,                 "HH:MM mm/dd/yyyy hh:mm",     "09:07 03/02/2010 09:07"},
+      {morning,                 "hh \\a\\t mm",               "09 at 07"},
+      {morning,                 "h:mm AM/PM",                 "9:07 AM"},
+      {evening,                 "hh:nn:ss am/pm",             "09:05:03 pm"},
+      {evening,                 "h A/P",                      "9 P"},
+      {evening,                 "h AMPM",                     "9 PM"},
+      {evening,                 "h:n:s",                      "21:5:3"},
+      {kMarch2nd2010,           "h AM/PM",                    "12 AM"},
+      {kMarch2nd2010 + 0.5,     "h AM/PM",                    "12 PM"},
+      {kMarch2nd2010,           "hh:mm",                      "00:00"},
+      {morning,                 "mmmm dddd ddd q y w ww",     "March Tuesday Tue 1 61 3 10"},
+      {morning,                 "ddddd dddddd",               "3/2/2010 Tuesday, March 2, 2010"},
+      {morning,                 "ttttt c",                    "9:07:00 AM 3/2/2010 9:07:00 AM"},
+      {DateSerial(2010, 1, 3),  "ww",                         "2"},  // weeks start on Sunday
   };
   // clang-format on
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.pattern);
-    EXPECT_EQ(FormatDate(c.serial, c.pattern), c.expected);
-  }
+  for (const Case& c : cases) EXPECT_EQ(FormatDate(c.serial, c.pattern), c.expected) << c.pattern;
 }
 
 TEST(Format, ReadsTextAsADateThenAsADayNumberThenLeavesIt) {
-  struct Case {
-    Variant value;
-    const char* pattern;
-    const char* expected;
-  };
   // clang-format off
+  struct Case { Variant value; const char *pattern, *expected; };
   const Case cases[] = {
       {Variant(Date{kMarch2nd2010}),  "dd-MMM-yyyy", "02-Mar-2010"},
       {Variant(40239),                "YYYYMM",      "201003"},
@@ -198,10 +169,7 @@ TEST(Format, ReadsTextAsADateThenAsADayNumberThenLeavesIt) {
       {test_support::ObjectWith(Variant("3/2/2010")), "yyyy", "2010"},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.expected);
-    EXPECT_EQ(Format(c.value, c.pattern), c.expected);
-  }
+  for (const Case& c : cases) EXPECT_EQ(Format(c.value, c.pattern), c.expected) << c.expected;
 }
 
 }  // namespace

@@ -11,11 +11,8 @@ namespace brix {
 namespace {
 
 TEST(RaiseRuntimeError, CarriesTheLibraryNameAndThePlatformMessage) {
-  struct Case {
-    std::int32_t number;
-    const char* message;
-  };
   // clang-format off
+  struct Case { std::int32_t number; const char* message; };
   const Case cases[] = {
       {5,   "Invalid procedure call or argument"},
       {6,   "Overflow"},

@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "tests/runtime/runtime_test_support.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/value_object.h"
 
 namespace brix {
 namespace {
@@ -15,11 +15,8 @@ using test_support::ObjectWith;
 using test_support::RaisesRuntimeError;
 
 TEST(Variant, ReportsThePlatformTypeCodes) {
-  struct Case {
-    Variant value;
-    std::int32_t code;
-  };
   // clang-format off
+  struct Case { Variant value; std::int32_t code; };
   const Case cases[] = {
       {Variant(),                 0},
       {Variant::Null(),           1},
@@ -39,7 +36,6 @@ TEST(Variant, ReportsThePlatformTypeCodes) {
   };
   // clang-format on
   for (const Case& c : cases) EXPECT_EQ(c.value.Type(), c.code);
-  EXPECT_EQ(Variant::Missing().AsError().code, -2147352572);
   EXPECT_TRUE(Variant::Missing().IsMissing());
   EXPECT_FALSE(Variant(ErrorValue{5}).IsMissing());
   EXPECT_TRUE(RaisesRuntimeError([] { Variant("5").AsLong(); }, 13));
@@ -48,26 +44,23 @@ TEST(Variant, ReportsThePlatformTypeCodes) {
 TEST(Compare, FollowsThePlatformRulesForVariantOperands) {
   constexpr Comparison kLess = Comparison::kLess, kEqual = Comparison::kEqual,
                        kGreater = Comparison::kGreater, kNull = Comparison::kNull;
-  struct Case {
-    Variant a, b;
-    Comparison expected;
-  };
   // clang-format off
+  struct Case { Variant a, b; Comparison expected; };
   const Case cases[] = {
       {Variant(5),                   Variant("5"),                kLess},  // numbers before text
       {Variant("5"),                 Variant(5),                  kGreater},
       {Variant(""),                  Variant(),                   kEqual},  // Empty is "" for text
       {Variant("0"),                 Variant(),                   kGreater},
       {Variant(0),                   Variant(),                   kEqual},  // and 0 for numbers
-      {Variant(),                    Variant(1.5),                kLess},
       {Variant::Null(),              Variant(1),                  kNull},
       {Variant::Missing(),           Variant::Null(),             kNull},
       {Variant::Missing(),           Variant::Missing(),          kEqual},
       {Variant(true),                Variant(-1),                 kEqual},
       {Variant(Date{2}),             Variant(std::int16_t{2}),    kEqual},
-      {Variant("B"),                 Variant("a"),                kLess},  // binary, by UTF-16 code units
+      {Variant(std::uint8_t{255}),   Variant(std::int16_t{255}),  kEqual},
+      {Variant("B"),                 Variant("a"),                kLess},  // by UTF-16 code units
       {Variant("\U0001F600"),        Variant("\uFFFD"),           kLess},
-      {Variant(0.1f),                Variant(0.1),                kEqual},  // Double rounded to Single
+      {Variant(0.1f),                Variant(0.1),                kEqual},  // rounded to Single
       {Variant(0.1),                 Variant(0.1f),               kEqual},
       {Variant(16777217),            Variant(16777216.0f),        kGreater},  // but not a Long
       {Variant(Currency{1000}),      Variant(0.10000001),         kEqual},
@@ -82,11 +75,8 @@ TEST(Compare, FollowsThePlatformRulesForVariantOperands) {
 }
 
 TEST(Compare, RaisesForOperandsWithoutAComparableValue) {
-  struct Case {
-    Variant a, b;
-    std::int32_t error;
-  };
   // clang-format off
+  struct Case { Variant a, b; std::int32_t error; };
   const Case cases[] = {
       {Variant::Missing(),            Variant(1),                13},
       {Variant(1),                    Variant::Missing(),        13},

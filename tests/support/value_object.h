@@ -1,4 +1,4 @@
-// Shared by the runtime tests: an object with a chosen default value.
+// An object with a chosen default value, for tests of conversions and comparisons of objects.
 #pragma once
 
 #include <memory>
