@@ -155,10 +155,19 @@ class NumberReader {
   bool close_paren_ = false;
 };
 
+// The simple value of `value`, without a copy when it is one already; `held` keeps the default
+// value of an object.
+const Variant& SimpleRef(const Variant& value, Variant& held) {
+  if (!value.IsObject()) return value;
+  held = SimpleValue(value);
+  return held;
+}
+
 // The number value of a variant for the numeric conversions: Empty is 0, text is read as a
 // number (13 when it is not one), an object gives its default value, Null raises 94.
 double ToNumber(const Variant& value) {
-  Variant v = SimpleValue(value);
+  Variant held;
+  const Variant& v = SimpleRef(value, held);
   if (v.IsEmpty()) return 0;
   if (v.IsNull()) RaiseRuntimeError(kErrInvalidUseOfNull);
   if (!v.IsString()) return v.NumericValue();
@@ -392,7 +401,18 @@ double RoundHalfEven(double value) {
   return std::fmod(lower, 2.0) == 0 ? lower : lower + 1;
 }
 
-std::optional<double> ParseNumber(std::string_view text) { return NumberReader(text).Read(); }
+std::optional<double> ParseNumber(std::string_view text) {
+  // A run of up to 15 digits, the form of every whole number the library writes, is exact in a
+  // double when read digit by digit.
+  constexpr std::size_t kExactDigits = 15;
+  if (!text.empty() && text.size() <= kExactDigits &&
+      std::all_of(text.begin(), text.end(), IsDigit)) {
+    double value = 0;
+    for (const char c : text) value = value * 10 + (c - '0');
+    return value;
+  }
+  return NumberReader(text).Read();
+}
 
 std::optional<double> ParseDate(std::string_view text) {
   std::optional<std::vector<DateToken>> tokens = LexDate(text);
@@ -405,7 +425,8 @@ std::optional<double> ParseDate(std::string_view text) {
 }
 
 std::string CStr(const Variant& value) {
-  Variant v = SimpleValue(value);
+  Variant held;
+  const Variant& v = SimpleRef(value, held);
   switch (v.Type()) {
     case vbEmpty:
       return {};
@@ -442,7 +463,8 @@ std::int32_t CLng(const Variant& v) { return ToWhole<std::int32_t>(v); }
 std::uint8_t CByte(const Variant& v) { return ToWhole<std::uint8_t>(v); }
 
 bool CBool(const Variant& value) {
-  Variant v = SimpleValue(value);
+  Variant held;
+  const Variant& v = SimpleRef(value, held);
   if (v.IsString()) {
     const std::string& text = v.AsString();
     std::string upper = UpperAscii(text);
@@ -465,7 +487,8 @@ float CSng(const Variant& v) {
 }
 
 Currency CCur(const Variant& value) {
-  Variant v = SimpleValue(value);
+  Variant held;
+  const Variant& v = SimpleRef(value, held);
   if (v.Type() == vbCurrency) return v.AsCurrency();
   double scaled = RoundHalfEven(CDbl(v) * kCurrencyScale);
   // 2^63 is the first value beyond the range; doubles below it convert exactly.
@@ -475,7 +498,8 @@ Currency CCur(const Variant& value) {
 }
 
 Date CDate(const Variant& value) {
-  Variant v = SimpleValue(value);
+  Variant held;
+  const Variant& v = SimpleRef(value, held);
   if (v.IsEmpty()) return Date{0};
   if (v.IsNull()) RaiseRuntimeError(kErrInvalidUseOfNull);
   if (v.IsString()) {

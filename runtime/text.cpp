@@ -1,6 +1,7 @@
 // Text helpers: trimming, case folding, replacement and UTF-8/UTF-16 conversion.
 #include "runtime/text.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace brix {
@@ -60,6 +61,11 @@ char32_t FoldCodePoint(char32_t cp) {
 // The first UTF-16 code unit of a code point: its order key among code points.
 std::uint32_t Utf16Key(char32_t cp) { return cp < 0x10000 ? cp : 0xD800 + ((cp - 0x10000) >> 10); }
 
+bool IsAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 }  // namespace
 
 std::string_view TrimBlanks(std::string_view text) {
@@ -107,6 +113,7 @@ std::string ReplaceAll(std::string_view text, std::string_view what, std::string
 }
 
 std::u16string ToUtf16(std::string_view text) {
+  if (IsAscii(text)) return std::u16string(text.begin(), text.end());
   std::u16string out;
   out.reserve(text.size());
   for (std::size_t pos = 0; pos < text.size();) {
@@ -123,6 +130,9 @@ std::u16string ToUtf16(std::string_view text) {
 }
 
 std::string ToUtf8(std::u16string_view text) {
+  if (std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; })) {
+    return std::string(text.begin(), text.end());
+  }
   std::string out;
   out.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
