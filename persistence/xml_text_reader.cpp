@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "persistence/xml_prop_bag_errors.h"
-#include "persistence/xml_tree_walk.h"
 #include "runtime/error_numbers.h"
 
 namespace brix {
@@ -22,8 +21,32 @@ std::string Location(std::string_view text, std::size_t offset) {
          std::to_string(offset - line_start + 1) + ".";
 }
 
+/// Finds the first element, in document order, that repeats an attribute name. The DOM's own
+/// walk keeps the calls per node few; only elements with two or more attributes are sorted.
+class DuplicateAttributeFinder : public pugi::xml_tree_walker {
+ public:
+  bool for_each(pugi::xml_node& node) override {
+    pugi::xml_attribute first = node.first_attribute();
+    if (!first.next_attribute()) return true;
+    names_.clear();
+    for (pugi::xml_attribute attribute : node.attributes()) names_.emplace_back(attribute.name());
+    std::sort(names_.begin(), names_.end());
+    auto twin = std::adjacent_find(names_.begin(), names_.end());
+    if (twin == names_.end()) return true;
+    duplicate_ = *twin;
+    return false;
+  }
+
+  /// The repeated name, or an empty view when there is none.
+  std::string_view Duplicate() const { return duplicate_; }
+
+ private:
+  std::vector<std::string_view> names_;
+  std::string_view duplicate_;
+};
+
 /// The reason the loaded tree is not a document the platform accepts, or an empty string.
-std::string CheckTree(const pugi::xml_document& document) {
+std::string CheckTree(pugi::xml_document& document) {
   std::size_t elements = 0;
   for (pugi::xml_node node : document.children()) {
     if (node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) {
@@ -33,17 +56,9 @@ std::string CheckTree(const pugi::xml_document& document) {
   }
   if (elements == 0) return "XML document must have a top level element.";
   if (elements > 1) return "Only one top level element is allowed in an XML document.";
-  std::vector<std::string_view> names;
-  for (pugi::xml_node node = document.first_child(); node;
-       node = NextInDocumentOrder(node, document)) {
-    pugi::xml_attribute first = node.first_attribute();
-    if (!first || !first.next_attribute()) continue;
-    names.clear();
-    for (pugi::xml_attribute attribute : node.attributes()) names.emplace_back(attribute.name());
-    std::sort(names.begin(), names.end());
-    if (auto twin = std::adjacent_find(names.begin(), names.end()); twin != names.end()) {
-      return "Duplicate attribute '" + std::string(*twin) + "'.";
-    }
+  DuplicateAttributeFinder finder;
+  if (!document.traverse(finder)) {
+    return "Duplicate attribute '" + std::string(finder.Duplicate()) + "'.";
   }
   return {};
 }
