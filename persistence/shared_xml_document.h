@@ -27,6 +27,9 @@ class SharedDocument {
   /// The bag's own path forms are answered from the index, anything else by the XPath engine.
   pugi::xml_node SelectFirst(std::string_view xpath);
 
+  /// The selection index of the document, for callers that keep selections between steps.
+  PathIndex& Index() { return index_; }
+
   /// Records a change of the tree.
   void Changed() { index_.Clear(); }
 

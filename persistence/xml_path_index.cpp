@@ -2,6 +2,8 @@
 #include "persistence/xml_path_index.h"
 
 #include <algorithm>
+#include <array>
+#include <atomic>
 #include <functional>
 
 #include "persistence/xml_prop_bag_errors.h"
@@ -11,13 +13,26 @@
 namespace brix {
 namespace {
 
-bool IsAsciiLetter(unsigned char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+constexpr unsigned char kNameStart = 1;
+constexpr unsigned char kNameChar = 2;
 
-bool IsNameStart(unsigned char c) { return IsAsciiLetter(c) || c == '_' || c >= 0x80; }
+// The class of each byte in a name: table lookups keep the test of every name cheap.
+constexpr std::array<unsigned char, 256> kNameCharClasses = [] {
+  std::array<unsigned char, 256> classes{};
+  for (int c = 0; c < 256; ++c) {
+    const bool letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    if (letter || c == '_' || c >= 0x80) {
+      classes[c] = kNameStart | kNameChar;
+    } else if ((c >= '0' && c <= '9') || c == '-' || c == '.') {
+      classes[c] = kNameChar;
+    }
+  }
+  return classes;
+}();
 
-bool IsNameChar(unsigned char c) {
-  return IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
-}
+bool IsNameStart(unsigned char c) { return kNameCharClasses[c] & kNameStart; }
+
+bool IsNameChar(unsigned char c) { return kNameCharClasses[c] & kNameChar; }
 
 /// Reads a name at the front of `rest` and removes it; an empty view when there is none.
 std::string_view TakeName(std::string_view& rest) {
@@ -50,11 +65,16 @@ std::optional<std::string_view> TakeNamePredicate(std::string_view& rest) {
 // also bounds the depth of the selection tree.
 constexpr std::size_t kMaxIndexedSteps = 1000;
 
-bool Matches(pugi::xml_node node, const PathStep& step) {
-  if (node.type() != pugi::node_element || step.name != node.name()) return false;
-  if (!step.name_attribute) return true;
-  pugi::xml_attribute attribute = node.attribute("name");
-  return attribute && *step.name_attribute == attribute.value();
+bool IsIndexable(const PathStep& step) {
+  return IsXmlName(step.name) &&
+         (!step.name_attribute || step.name_attribute->find('"') == std::string_view::npos);
+}
+
+// Generations are unique across all documents, so a selection kept from one document never
+// passes for a selection of another.
+std::uint64_t NextGeneration() {
+  static std::atomic<std::uint64_t> last{0};
+  return ++last;
 }
 
 /// A key under which a child is grouped: its name, or its name and "name" attribute.
@@ -87,14 +107,54 @@ std::string FirstStepKey(const PathStep& step) {
   return key;
 }
 
+/// Collects the elements anywhere in the document that one step matches, in document order,
+/// and notes whether one of them lies inside another. The DOM's own walk keeps the calls per
+/// node few: the name is asked first, the type only of a node whose name matches.
+class StepMatcher : public pugi::xml_tree_walker {
+ public:
+  explicit StepMatcher(const PathStep& step) : step_(step) {}
+
+  bool for_each(pugi::xml_node& node) override {
+    if (!EqualsCString(step_.name, node.name()) || node.type() != pugi::node_element) return true;
+    if (step_.name_attribute) {
+      pugi::xml_attribute attribute = node.attribute("name");
+      if (!attribute || !EqualsCString(*step_.name_attribute, attribute.value())) return true;
+    }
+    while (!open_depths_.empty() && open_depths_.back() >= depth()) open_depths_.pop_back();
+    may_nest_ = may_nest_ || !open_depths_.empty();
+    open_depths_.push_back(depth());
+    matches_.push_back(node);
+    return true;
+  }
+
+  std::vector<pugi::xml_node>& Matches() { return matches_; }
+  bool MayNest() const { return may_nest_; }
+
+ private:
+  const PathStep& step_;
+  std::vector<pugi::xml_node> matches_;
+  std::vector<int> open_depths_;  // depths of the matches the walk is inside of
+  bool may_nest_ = false;
+};
+
 }  // namespace
 
 struct PathIndex::Selection {
-  std::vector<pugi::xml_node> nodes;  // in document order
+  std::vector<pugi::xml_node> nodes;  // in document order, never empty
+  std::size_t steps = 1;              // of the path that selects these nodes
   bool may_nest = false;              // some node may lie inside another
-  bool grouped = false;
+  bool grouped_by_name = false;
+  bool grouped_by_name_attribute = false;
   std::unordered_map<ChildKey, std::unique_ptr<Selection>, ChildKeyHash> children;
 };
+
+bool EqualsCString(std::string_view view, const char* text) {
+  for (const char c : view) {
+    if (*text == '\0' || *text != c) return false;
+    ++text;
+  }
+  return *text == '\0';
+}
 
 bool IsXmlName(std::string_view name) {
   std::string_view rest = name;
@@ -137,75 +197,94 @@ pugi::xml_node SelectFirstByXPath(pugi::xml_node context, std::string_view xpath
   return found.node();
 }
 
-PathIndex::PathIndex(const pugi::xml_document& document) : document_(document) {}
+PathIndex::PathIndex(const pugi::xml_document& document)
+    : document_(document), generation_(NextGeneration()) {}
 
 PathIndex::~PathIndex() = default;
 
+// Every selection handed out lives in `first_steps_`, so an empty index has nothing to drop.
 void PathIndex::Clear() {
+  if (first_steps_.empty()) return;
+  generation_ = NextGeneration();
   first_steps_.clear();
   document_order_.clear();
 }
 
 std::optional<pugi::xml_node> PathIndex::SelectFirst(std::string_view xpath) {
+  const std::optional<Selection*> selection = Select(xpath);
+  if (!selection) return std::nullopt;
+  return *selection ? First(**selection) : pugi::xml_node();
+}
+
+std::optional<PathIndex::Selection*> PathIndex::Select(std::string_view xpath) {
   const std::optional<std::vector<PathStep>> steps = ParseIndexablePath(xpath);
   if (!steps) return std::nullopt;
   Selection* selection = FirstStep(steps->front());
   for (std::size_t i = 1; i < steps->size() && selection; ++i) {
     selection = NextStep(*selection, (*steps)[i]);
   }
-  if (!selection || selection->nodes.empty()) return pugi::xml_node();
-  return selection->nodes.front();
+  return selection;
 }
 
-// "//Name" matches elements anywhere, so the first step scans the whole document once per
-// distinct step. The walk counts the matching elements it is inside of, which tells whether
-// matches nest (then later steps must sort what they collect).
+std::optional<PathIndex::Selection*> PathIndex::Step(Selection& selection, const PathStep& step) {
+  if (selection.steps >= kMaxIndexedSteps || !IsIndexable(step)) return std::nullopt;
+  return NextStep(selection, step);
+}
+
+pugi::xml_node PathIndex::First(const Selection& selection) { return selection.nodes.front(); }
+
+// "//Name" matches elements anywhere, so the first step walks the whole document once per
+// distinct step.
 PathIndex::Selection* PathIndex::FirstStep(const PathStep& step) {
   std::unique_ptr<Selection>& slot = first_steps_[FirstStepKey(step)];
-  if (slot) return slot.get();
-  slot = std::make_unique<Selection>();
-  std::size_t open_matches = 0;
-  auto leave = [&](pugi::xml_node node) { open_matches -= Matches(node, step); };
-  for (pugi::xml_node node = document_.first_child(); node;
-       node = NextInDocumentOrder(node, document_, leave)) {
-    if (!Matches(node, step)) continue;
-    slot->may_nest = slot->may_nest || open_matches > 0;
-    slot->nodes.push_back(node);
-    open_matches += static_cast<bool>(node.first_child());
+  if (!slot) {
+    StepMatcher matcher(step);
+    pugi::xml_node(document_).traverse(matcher);
+    slot = std::make_unique<Selection>();
+    slot->nodes = std::move(matcher.Matches());
+    slot->may_nest = matcher.MayNest();
   }
-  return slot.get();
+  return slot->nodes.empty() ? nullptr : slot.get();
 }
 
 PathIndex::Selection* PathIndex::NextStep(Selection& selection, const PathStep& step) {
-  if (!selection.grouped) GroupChildren(selection);
+  const bool by_name_attribute = step.name_attribute.has_value();
+  if (!(by_name_attribute ? selection.grouped_by_name_attribute : selection.grouped_by_name)) {
+    GroupChildren(selection, by_name_attribute);
+  }
   auto found = selection.children.find(KeyOf(step));
   return found == selection.children.end() ? nullptr : found->second.get();
 }
 
 // Children of elements that do not nest come out in document order when taken parent by parent;
-// when parents nest, the groups are sorted.
-void PathIndex::GroupChildren(Selection& selection) {
-  auto add = [&selection](const ChildKey& key, pugi::xml_node child) {
+// when parents nest, the groups are sorted. Children are grouped by name, or by name and "name"
+// attribute, as steps ask for them: a step with a name test never needs the groups by name.
+void PathIndex::GroupChildren(Selection& selection, bool by_name_attribute) {
+  std::vector<Selection*> added;
+  auto add = [&](const ChildKey& key, pugi::xml_node child) {
     std::unique_ptr<Selection>& group = selection.children[key];
     if (!group) {
       group = std::make_unique<Selection>();
+      group->steps = selection.steps + 1;
       group->may_nest = selection.may_nest;
+      added.push_back(group.get());
     }
     group->nodes.push_back(child);
   };
   for (pugi::xml_node parent : selection.nodes) {
     for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
       if (child.type() != pugi::node_element) continue;
-      add({child.name(), {}, false}, child);
-      if (pugi::xml_attribute name = child.attribute("name")) {
+      if (!by_name_attribute) {
+        add({child.name(), {}, false}, child);
+      } else if (pugi::xml_attribute name = child.attribute("name")) {
         add({child.name(), name.value(), true}, child);
       }
     }
   }
   if (selection.may_nest) {
-    for (auto& [key, group] : selection.children) SortInDocumentOrder(group->nodes);
+    for (Selection* group : added) SortInDocumentOrder(group->nodes);
   }
-  selection.grouped = true;
+  (by_name_attribute ? selection.grouped_by_name_attribute : selection.grouped_by_name) = true;
 }
 
 void PathIndex::SortInDocumentOrder(std::vector<pugi::xml_node>& nodes) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <pugixml.hpp>
@@ -15,6 +16,10 @@ namespace brix {
 /// True for an XML element name without a namespace prefix: a letter or "_" first, then letters,
 /// digits, "_", "-" or "."; characters outside ASCII are accepted anywhere.
 bool IsXmlName(std::string_view name);
+
+/// True when the NUL-terminated `text` (a name or value kept by the DOM) equals `view`; `text`
+/// is read only as far as it matches.
+bool EqualsCString(std::string_view view, const char* text);
 
 /// One step of an indexable path: an element name, optionally with a test of its "name"
 /// attribute.
@@ -34,12 +39,17 @@ std::optional<std::vector<PathStep>> ParseIndexablePath(std::string_view xpath);
 pugi::xml_node SelectFirstByXPath(pugi::xml_node context, std::string_view xpath);
 
 /// Answers indexable whole-document paths from an index built on first use: per first step, the
-/// matching elements in document order (one scan of the document); per selection of a path
-/// prefix, the children of its elements grouped by name and by name plus "name" attribute.
-/// Selections are kept per prefix, so reading many sibling objects costs one lookup each. The
-/// index must be cleared whenever the document changes.
+/// matching elements in document order (one walk over the document); per selection of a path
+/// prefix, the children of its elements grouped by name, or by name and "name" attribute, on
+/// the first step that asks for that kind. Selections are kept, so a caller that holds one can
+/// take a further step with one lookup instead of a new path. The index must be cleared
+/// whenever the document changes; clearing starts a new generation, and selections of an older
+/// generation are gone.
 class PathIndex {
  public:
+  /// The elements a path prefix selects, in document order.
+  struct Selection;
+
   explicit PathIndex(const pugi::xml_document& document);
   ~PathIndex();
   PathIndex(const PathIndex&) = delete;
@@ -49,19 +59,32 @@ class PathIndex {
   /// none matches; `std::nullopt` when the path is not indexable.
   std::optional<pugi::xml_node> SelectFirst(std::string_view xpath);
 
+  /// The selection of an indexable `xpath` (nullptr when no node matches); `std::nullopt` when
+  /// the path is not indexable.
+  std::optional<Selection*> Select(std::string_view xpath);
+
+  /// The selection of the path of `selection` followed by `step` (nullptr when no node
+  /// matches); `std::nullopt` when the longer path would not be indexable.
+  std::optional<Selection*> Step(Selection& selection, const PathStep& step);
+
+  /// The first node of a selection in document order.
+  static pugi::xml_node First(const Selection& selection);
+
+  /// Unique across documents; changes when the index is cleared.
+  std::uint64_t Generation() const { return generation_; }
+
   void Clear();
 
  private:
-  struct Selection;
-
   Selection* FirstStep(const PathStep& step);
   Selection* NextStep(Selection& selection, const PathStep& step);
-  void GroupChildren(Selection& selection);
+  void GroupChildren(Selection& selection, bool by_name_attribute);
   void SortInDocumentOrder(std::vector<pugi::xml_node>& nodes);
 
   const pugi::xml_document& document_;
   std::unordered_map<std::string, std::unique_ptr<Selection>> first_steps_;
   std::unordered_map<const void*, std::size_t> document_order_;
+  std::uint64_t generation_;
 };
 
 }  // namespace brix

@@ -138,9 +138,9 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
     CheckStorable(PropertyName);
     pugi::xml_node element = AppendChildElement(value.object->TypeName());
     SetAttribute(element, "name", PropertyName);
-    std::shared_ptr<XMLPropBag> nested = Create();
-    nested->SetCurrentNode(current_.Owner(), element);
-    value.object->WriteProperties(*nested);
+    XMLPropBag nested;
+    nested.SetCurrentNode(current_.Owner(), element);
+    value.object->WriteProperties(nested);
     return;
   }
   CheckStorable(value.text);
@@ -186,16 +186,41 @@ Variant XMLPropBag::ReadProperty(std::string_view PropertyName, const Variant& D
 // The selection runs over the whole document from this bag's path, not from the current node:
 // with several matching parents the first match in the document wins.
 Variant XMLPropBag::ReadObject(std::string_view PropertyName, IXMLPropBag& object) {
-  const std::string expression =
-      "//" + path_ + "/" + object.TypeName() + "[@name = \"" + std::string(PropertyName) + "\"]";
-  pugi::xml_node element = RequireDocument().SelectFirst(expression);
+  const std::string type = object.TypeName();
+  std::string xpath;
+  xpath.reserve(path_.size() + type.size() + PropertyName.size() + 14);
+  xpath.append(path_).append("/").append(type);
+  xpath.append("[@name = \"").append(PropertyName).append("\"]");
+  const std::optional<PathIndex::Selection*> selection = SelectStep(type, PropertyName, xpath);
+  pugi::xml_node element = SelectPath(xpath, selection);
   if (element) {
-    std::shared_ptr<XMLPropBag> nested = Create();
-    nested->SetCurrentNode(document_, element);
-    nested->SetPath(expression.substr(2));
-    object.ReadProperties(*nested);
+    XMLPropBag nested;
+    nested.SetCurrentNode(document_, element);
+    nested.SetPath(std::move(xpath));
+    nested.KeepSelection(selection);
+    object.ReadProperties(nested);
   }
   return Variant();
+}
+
+// A bag that still holds the index's selection of its own path takes one step from it instead
+// of having the whole path parsed and followed again.
+std::optional<PathIndex::Selection*> XMLPropBag::SelectStep(std::string_view type,
+                                                            std::string_view PropertyName,
+                                                            const std::string& xpath) const {
+  PathIndex& index = RequireDocument().Index();
+  if (selection_ && selection_generation_ == index.Generation()) {
+    return index.Step(*selection_, {type, PropertyName});
+  }
+  return index.Select(xpath);
+}
+
+/// The first element of an indexed selection, or what XPath selects when the path is not
+/// indexable.
+pugi::xml_node XMLPropBag::SelectPath(const std::string& xpath,
+                                      std::optional<PathIndex::Selection*> selection) const {
+  if (!selection) return SelectFirstByXPath(RequireDocument().Dom(), xpath);
+  return *selection ? PathIndex::First(**selection) : pugi::xml_node();
 }
 
 Variant XMLPropBag::ReadValue(std::string_view PropertyName, const Variant& DefaultValue) {
@@ -236,7 +261,7 @@ void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
     document.Changed();
   }
   const std::string type = RootObject->TypeName();
-  SetPath(type);
+  SetPath("//" + type);
   CheckElementName(type);
   CheckStorable(sName);
   pugi::xml_node replaced = document.SelectFirst("//PropertyBag/" + type + NameFilter(sName));
@@ -257,17 +282,19 @@ void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
 
 void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
   if (!RootObject) return;
-  SetPath("PropertyBag/" + RootObject->TypeName() + NameFilter(sName));
-  pugi::xml_node element = RequireDocument().SelectFirst("//" + path_);
+  SetPath("//PropertyBag/" + RootObject->TypeName() + NameFilter(sName));
+  const std::optional<PathIndex::Selection*> selection = RequireDocument().Index().Select(path_);
+  pugi::xml_node element = SelectPath(path_, selection);
   if (!element) return;
   SetCurrentNode(document_, element);
+  KeepSelection(selection);
   RootObject->ReadProperties(*this);
 }
 
 void XMLPropBag::DeleteObject(std::string_view sTypeName, std::string_view sName) {
-  SetPath("PropertyBag/" + std::string(sTypeName) + NameFilter(sName));
+  SetPath("//PropertyBag/" + std::string(sTypeName) + NameFilter(sName));
   SharedDocument& document = RequireDocument();
-  pugi::xml_node element = document.SelectFirst("//" + path_);
+  pugi::xml_node element = document.SelectFirst(path_);
   if (!element) return;
   if (element.parent() != document.SelectFirst("//PropertyBag")) {
     RaiseDomError("The element to delete is not a child of the PropertyBag element.");
@@ -294,6 +321,16 @@ void XMLPropBag::SetCurrentNode(const std::shared_ptr<SharedDocument>& owner,
                                 pugi::xml_node element) {
   current_.Set(owner, element);
   document_ = owner;
+}
+
+void XMLPropBag::SetPath(std::string xpath) {
+  path_ = std::move(xpath);
+  selection_ = nullptr;
+}
+
+void XMLPropBag::KeepSelection(std::optional<PathIndex::Selection*> selection) {
+  selection_ = selection.value_or(nullptr);
+  if (selection_) selection_generation_ = RequireDocument().Index().Generation();
 }
 
 SharedDocument& XMLPropBag::RequireDocument() const {

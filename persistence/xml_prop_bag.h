@@ -2,7 +2,9 @@
 // trees into it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
@@ -89,17 +91,27 @@ class XMLPropBag : public Object {
   XMLPropBag() = default;
 
   void SetCurrentNode(const std::shared_ptr<SharedDocument>& owner, pugi::xml_node element);
-  void SetPath(std::string path) { path_ = std::move(path); }
+  void SetPath(std::string xpath);
+  void KeepSelection(std::optional<PathIndex::Selection*> selection);
 
   SharedDocument& RequireDocument() const;
   pugi::xml_node AppendChildElement(std::string_view name);
+  pugi::xml_node SelectPath(const std::string& xpath,
+                            std::optional<PathIndex::Selection*> selection) const;
+  std::optional<PathIndex::Selection*> SelectStep(std::string_view type,
+                                                  std::string_view PropertyName,
+                                                  const std::string& xpath) const;
   Variant ReadObject(std::string_view PropertyName, IXMLPropBag& object);
   Variant ReadValue(std::string_view PropertyName, const Variant& DefaultValue);
   pugi::xml_node SelectChild(std::string_view PropertyName);
 
   NodeHold current_;
   std::shared_ptr<SharedDocument> document_;
-  std::string path_;
+  // The whole-document XPath ("//" first) that selected the bag's element, and its selection
+  // in the document's index while the index keeps that generation.
+  std::string path_ = "//";
+  PathIndex::Selection* selection_ = nullptr;
+  std::uint64_t selection_generation_ = 0;
 };
 
 }  // namespace brix
