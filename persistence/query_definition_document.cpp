@@ -59,12 +59,17 @@ void WriteRows(const std::vector<Row<T>>& rows, const T& object, XMLPropBag& bag
 }
 
 // A missing element leaves the property at the value a new object has, so older documents that
-// lack a property still load.
+// lack a property still load. Those values are taken once per class.
 template <class T>
 void ReadRows(const std::vector<Row<T>>& rows, T& object, XMLPropBag& bag) {
-  static const std::shared_ptr<T> fresh = T::Create();
-  for (const Row<T>& row : rows) {
-    if (row.set) row.set(object, bag.ReadProperty(row.name, row.get(*fresh)));
+  static const std::vector<Variant> initial_values = [&rows] {
+    const std::shared_ptr<T> fresh = T::Create();
+    std::vector<Variant> values;
+    for (const Row<T>& row : rows) values.push_back(row.get(*fresh));
+    return values;
+  }();
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (rows[i].set) rows[i].set(object, bag.ReadProperty(rows[i].name, initial_values[i]));
   }
 }
 

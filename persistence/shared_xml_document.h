@@ -1,6 +1,7 @@
 // A DOM document shared by a bag and the nested bags positioned in it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <pugixml.hpp>
 #include <string_view>
@@ -31,7 +32,13 @@ class SharedDocument {
   PathIndex& Index() { return index_; }
 
   /// Records a change of the tree.
-  void Changed() { index_.Clear(); }
+  void Changed() {
+    index_.Clear();
+    ++version_;
+  }
+
+  /// Counts the changes of the tree: what was read from it holds while the version stays.
+  std::uint64_t Version() const { return version_; }
 
   /// Removes `node` and its subtree, deepest nodes first so that no recursion is needed. A bag
   /// positioned inside the removed subtree loses its position.
@@ -43,6 +50,7 @@ class SharedDocument {
   pugi::xml_document dom_;
   PathIndex index_{dom_};
   std::vector<NodeHold*> holds_;
+  std::uint64_t version_ = 0;
 };
 
 /// A bag's current node. It keeps the node's document alive (setting a bag's contents replaces

@@ -88,11 +88,18 @@ std::string NameFilter(std::string_view name) {
   return name.empty() ? std::string() : "[@name=\"" + std::string(name) + "\"]";
 }
 
+bool IsText(pugi::xml_node node) {
+  const pugi::xml_node_type type = node.type();
+  return type == pugi::node_pcdata || type == pugi::node_cdata;
+}
+
 /// The text of an element: all text and CDATA below it, in document order, untrimmed.
 std::string ElementText(pugi::xml_node element) {
+  pugi::xml_node first = element.first_child();
+  if (first && IsText(first) && !first.next_sibling()) return first.value();  // the usual case
   std::string text;
-  for (pugi::xml_node node = element; node; node = NextInDocumentOrder(node, element)) {
-    if (node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) text += node.value();
+  for (pugi::xml_node node = first; node; node = NextInDocumentOrder(node, element)) {
+    if (IsText(node)) text += node.value();
   }
   return text;
 }
@@ -226,6 +233,7 @@ pugi::xml_node XMLPropBag::SelectPath(const std::string& xpath,
 Variant XMLPropBag::ReadValue(std::string_view PropertyName, const Variant& DefaultValue) {
   pugi::xml_node element = SelectChild(PropertyName);
   if (!element) return DefaultValue;
+  if (!element.first_attribute()) return Variant(ElementText(element));  // no marker, no type
   if (pugi::xml_attribute vartype = element.attribute("vartype")) {
     const std::string kind = UpperAscii(vartype.value());
     if (kind == "NULL") return Variant::Null();
@@ -242,8 +250,26 @@ pugi::xml_node XMLPropBag::SelectChild(std::string_view PropertyName) {
   pugi::xml_node parent = current_.Node();
   if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
   if (!IsXmlName(PropertyName)) return SelectFirstByXPath(parent, PropertyName);
-  for (pugi::xml_node child = parent.first_child(); child; child = child.next_sibling()) {
-    if (child.type() == pugi::node_element && PropertyName == child.name()) return child;
+  return FindChildElement(parent, PropertyName);
+}
+
+pugi::xml_node XMLPropBag::FindChildElement(pugi::xml_node parent, std::string_view name) {
+  const std::uint64_t version = current_.Owner()->Version();
+  if (parent != listed_parent_ || version != listed_version_) {
+    listed_children_.clear();
+    listed_children_.reserve(16);  // most objects have fewer properties
+    listed_parent_ = parent;
+    unlisted_child_ = parent.first_child();
+    listed_version_ = version;
+  }
+  for (const ListedChild& child : listed_children_) {
+    if (child.name == name) return child.node;
+  }
+  while (pugi::xml_node child = unlisted_child_) {
+    unlisted_child_ = child.next_sibling();
+    if (child.type() != pugi::node_element) continue;
+    listed_children_.push_back({child.name(), child});
+    if (listed_children_.back().name == name) return child;
   }
   return {};
 }

@@ -8,6 +8,7 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "persistence/ixml_prop_bag.h"
 #include "persistence/shared_xml_document.h"
@@ -104,6 +105,7 @@ class XMLPropBag : public Object {
   Variant ReadObject(std::string_view PropertyName, IXMLPropBag& object);
   Variant ReadValue(std::string_view PropertyName, const Variant& DefaultValue);
   pugi::xml_node SelectChild(std::string_view PropertyName);
+  pugi::xml_node FindChildElement(pugi::xml_node parent, std::string_view name);
 
   NodeHold current_;
   std::shared_ptr<SharedDocument> document_;
@@ -112,6 +114,16 @@ class XMLPropBag : public Object {
   std::string path_ = "//";
   PathIndex::Selection* selection_ = nullptr;
   std::uint64_t selection_generation_ = 0;
+  // The current node's child elements by name, listed as far as reads have needed while the
+  // document keeps its version, so that reading an object's properties visits each child once.
+  struct ListedChild {
+    std::string_view name;
+    pugi::xml_node node;
+  };
+  std::vector<ListedChild> listed_children_;
+  pugi::xml_node listed_parent_;
+  pugi::xml_node unlisted_child_;
+  std::uint64_t listed_version_ = 0;
 };
 
 }  // namespace brix
