@@ -29,8 +29,11 @@ constexpr double kClock = 40240;
 std::string Describe(qbe_DataType db_type, qbe_DataType show_as, qbe_ClauseOperator clause,
                      const V& value, const V& secondary = V(""), const char* name = "F") {
   ScopedClock fixed(kClock);
-  auto query = BuildQuery(
-      {{"T", {{.name = name, .type = db_type, .conditions = {{clause, value, secondary}}, .show_as = show_as}}}});
+  auto query = BuildQuery({{"T",
+                            {{.name = name,
+                              .type = db_type,
+                              .conditions = {{clause, value, secondary}},
+                              .show_as = show_as}}}});
   return query->ReturnConditionDescription(1);
 }
 
@@ -82,16 +85,8 @@ TEST(ConditionDescriber, PhraseOfEveryClause) {
 
 TEST(ConditionDescriber, OperandTexts) {
   constexpr auto B = qbe_DataBoolean, S = qbe_DataString, N = qbe_DataNumeric, D = qbe_DataDate;
-  struct Case {
-    qbe_DataType db_type;
-    qbe_DataType show_as;
-    qbe_ClauseOperator clause;
-    V value;
-    V secondary;
-    std::string expected;
-  };
   // clang-format off
-  const std::vector<Case> cases = {
+  const std::vector<std::tuple<qbe_DataType, qbe_DataType, qbe_ClauseOperator, V, V, std::string>> cases = {
       {B,              B,            qbe_ClauseEqualTo,   V(true),        V(""),          "F sa fie Da"},
       {B,              B,            qbe_ClauseEqualTo,   V(-1),          V(""),          "F sa fie Da"},
       // A Boolean read back from a definition is the text "True", which is not True.
@@ -112,9 +107,17 @@ TEST(ConditionDescriber, OperandTexts) {
       {D,              D,            qbe_ClauseEqualTo,   V(Date{40238}), V(""),          "F sa fie 3/1/2010"},
   };
   // clang-format on
-  for (const auto& c : cases) {
-    EXPECT_EQ(Describe(c.db_type, c.show_as, c.clause, c.value, c.secondary), c.expected);
+  for (const auto& [db_type, show_as, clause, value, secondary, expected] : cases) {
+    EXPECT_EQ(Describe(db_type, show_as, clause, value, secondary), expected);
   }
+  // Operands that do not convert raise.
+  const V array(VariantArray{});
+  EXPECT_TRUE(
+      RaisesRuntimeError([&] { Describe(S, S, qbe_ClauseEqualTo, array); }, kErrTypeMismatch));
+  EXPECT_TRUE(
+      RaisesRuntimeError([&] { Describe(B, B, qbe_ClauseEqualTo, array); }, kErrTypeMismatch));
+  EXPECT_TRUE(RaisesRuntimeError([&] { Describe(N, D, qbe_ClauseEqualTo, V::Nothing()); },
+                                 kErrObjectVariableNotSet));
 }
 
 TEST(ConditionDescriber, MonthNames) {
@@ -127,37 +130,23 @@ TEST(ConditionDescriber, MonthNames) {
               "Publicatie_Luna sa fie " + months[month]);
   }
   // The month is the operand's text, exactly, whatever the field's type makes of it.
-  EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, V("3"), V(""), field),
-            "Publicatie_Luna sa fie Martie");
-  EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, V("03"), V(""), field),
-            "Publicatie_Luna sa fie ");
+  for (const auto& [text, month] : {std::pair{"3", "Martie"}, {"03", ""}}) {
+    EXPECT_EQ(Describe(qbe_DataString, qbe_DataString, qbe_ClauseEqualTo, V(text), V(""), field),
+              std::string("Publicatie_Luna sa fie ") + month);
+  }
 }
 
 TEST(ConditionDescriber, PrefixAndSearch) {
   ScopedClock fixed(kClock);
   auto query = xqb_Query::Create();
-  auto activ = AddField(*query->Tables()->Add("Clienti", "Clienti activi"), "Activ", qbe_DataBoolean);
+  auto activ =
+      AddField(*query->Tables()->Add("Clienti", "Clienti activi"), "Activ", qbe_DataBoolean);
   AddCondition(*activ, 5, qbe_ClauseEqualTo, V(true));
   EXPECT_EQ(query->ReturnConditionDescription(5), "Activ sa fie Da");
   auto other = AddField(*AddTable(*query, "Facturi"), "Suma", qbe_DataNumeric);
   AddCondition(*other, 5, qbe_ClauseEqualTo, V(1));  // same identity, later in the tree
   EXPECT_EQ(query->ReturnConditionDescription(5), "Activ (Clienti activi) sa fie Da");
   EXPECT_EQ(query->ReturnConditionDescription(6), "");
-}
-
-TEST(ConditionDescriber, OperandsThatDoNotConvertRaise) {
-  const V array(VariantArray{});
-  // clang-format off
-  const std::vector<std::tuple<qbe_DataType, qbe_DataType, V, std::int32_t>> cases = {
-      {qbe_DataString,  qbe_DataString,  array,        kErrTypeMismatch},
-      {qbe_DataBoolean, qbe_DataBoolean, array,        kErrTypeMismatch},
-      {qbe_DataNumeric, qbe_DataDate,    V::Nothing(), kErrObjectVariableNotSet},
-  };
-  // clang-format on
-  for (const auto& [db_type, show_as, value, number] : cases) {
-    EXPECT_TRUE(RaisesRuntimeError(
-        [&] { Describe(db_type, show_as, qbe_ClauseEqualTo, value); }, number));
-  }
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "querybuilder/xqb_query.h"
@@ -69,13 +70,8 @@ TEST(FullTextRenderer, Requests) {
   const ConditionRow expression{qbe_ClauseContainsExpression, V("b")};
   const FieldRow not_indexed = {.name = "Alt", .conditions = {x}};
   const auto B = qbe_DataBoolean;
-  struct Case {
-    const char* name;
-    std::vector<FieldRow> fields;
-    std::string expected;
-  };
   // clang-format off
-  const std::vector<Case> cases = {
+  const std::vector<std::tuple<const char*, std::vector<FieldRow>, std::string>> cases = {
       {"two fields",            {Emitent({x}), Numar({five})},       "((Emitent contains (x))) AND ((Numar contains (5)))"},
       {"words on the document", {Doc({words})},                      "((alfa* AND beta*))"},
       {"document joins with AND", {Doc({expression, words})},        "((b) AND (alfa* AND beta*))"},
@@ -103,7 +99,7 @@ TEST(FullTextRenderer, Requests) {
        "((Emitent contains (x))) AND ((Luna contains (201005~~201005))) AND ((Numar contains (5)))"},
   };
   // clang-format on
-  for (const auto& c : cases) EXPECT_EQ(Render(c.fields), c.expected) << c.name;
+  for (const auto& [name, fields, expected] : cases) EXPECT_EQ(Render(fields), expected) << name;
 }
 
 TEST(FullTextRenderer, NearDistance) {
@@ -123,49 +119,38 @@ TEST(FullTextRenderer, OnlyTheFirstTableTakesPart) {
 }
 
 TEST(FullTextRenderer, DayNumberBounds) {
-  struct Case {
-    qbe_ClauseOperator clause;
-    V value;
-    V secondary;
-    std::string expected;  // the field's text between "((Luna contains (" and ")))"
-  };
+  const V none("");
   // clang-format off
-  const std::vector<Case> cases = {
-      {qbe_ClauseBetween,     V(Date{40238}), V("4/15/2011"), "201003~~201104"},
-      {qbe_ClauseBetween,     V("40299"),     V(40330.0),     "201005~~201006"},
-      {qbe_ClauseToday,       V(""),          V(""),          "201005~~201005"},
-      {qbe_ClauseThisMonth,   V(""),          V(""),          "201003~~201003"},
-      {qbe_ClauseLastXDays,   V(2),           V(""),          "201004~~201005"},
-      {qbe_ClauseLastXDays,   V("1"),         V(""),          "201005~~201005"},
-      {qbe_ClauseLastXMonths, V(12),          V(""),          "200905~~201005"},
-      {qbe_ClauseThisYear,    V(""),          V(""),          "201001~~201012"},
-      {qbe_ClauseYear,        V("1999"),      V(""),          "199901~~199912"},
-      {qbe_ClauseYear,        V(9),           V(""),          "200901~~200912"},
-      {qbe_ClauseLastXYears,  V(2),           V(""),          "200805~~201005"},
-      {qbe_ClauseNextXDays,   V(30),          V(""),          "201005~~201006"},
-      {qbe_ClauseOverXDays,   V(30),          V(""),          "201006"},
-      {qbe_ClauseEqualTo,     V("3/2/2010"),  V(""),          "201003"},
-      {qbe_ClauseEqualTo,     V(40268.6),     V(""),          "201004"},  // rounds to 1 April
-      {qbe_ClauseEqualTo,     V("abc"),       V(""),          ""},
+  // clock, clause, operands, the field's text between "((Luna contains (" and ")))"
+  const std::vector<std::tuple<double, qbe_ClauseOperator, V, V, std::string>> cases = {
+      {kWednesday, qbe_ClauseBetween,     V(Date{40238}), V("4/15/2011"), "201003~~201104"},
+      {kWednesday, qbe_ClauseBetween,     V("40299"),     V(40330.0),     "201005~~201006"},
+      {kWednesday, qbe_ClauseToday,       none,           none,           "201005~~201005"},
+      {kWednesday, qbe_ClauseThisMonth,   none,           none,           "201003~~201003"},
+      {kWednesday, qbe_ClauseLastXDays,   V(2),           none,           "201004~~201005"},
+      {kWednesday, qbe_ClauseLastXDays,   V("1"),         none,           "201005~~201005"},
+      {kWednesday, qbe_ClauseLastXMonths, V(12),          none,           "200905~~201005"},
+      {kWednesday, qbe_ClauseThisYear,    none,           none,           "201001~~201012"},
+      {kWednesday, qbe_ClauseYear,        V("1999"),      none,           "199901~~199912"},
+      {kWednesday, qbe_ClauseYear,        V(9),           none,           "200901~~200912"},
+      {kWednesday, qbe_ClauseLastXYears,  V(2),           none,           "200805~~201005"},
+      {kWednesday, qbe_ClauseNextXDays,   V(30),          none,           "201005~~201006"},
+      {kWednesday, qbe_ClauseOverXDays,   V(30),          none,           "201006"},
+      {kWednesday, qbe_ClauseEqualTo,     V("3/2/2010"),  none,           "201003"},
+      {kWednesday, qbe_ClauseEqualTo,     V(40268.6),     none,           "201004"},  // rounds to 1 April
+      {kWednesday, qbe_ClauseEqualTo,     V("abc"),       none,           ""},
+      // "This week" runs from the clock's date back to date - 7 + weekday (Monday 1): reversed
+      // but on Sunday. The week of Monday 26 April 2010:
+      {40294,      qbe_ClauseThisWeek,    none,           none,           "201004~~201004"},
+      {40298,      qbe_ClauseThisWeek,    none,           none,           "201004~~201004"},
+      {40299,      qbe_ClauseThisWeek,    none,           none,           "201005~~201004"},
+      {40300,      qbe_ClauseThisWeek,    none,           none,           "201005~~201005"},
   };
   // clang-format on
-  for (const auto& c : cases) {
-    EXPECT_EQ(Render({Days({{c.clause, c.value, c.secondary}})}),
-              "((Luna contains (" + c.expected + ")))")
-        << c.clause << " " << c.expected;
-  }
-}
-
-TEST(FullTextRenderer, WeekRangeIsReversedButOnSunday) {
-  // The week of Monday 26 April 2010: "this week" runs from the clock's date back to
-  // date - 7 + weekday, Monday first.
-  const std::vector<std::string> expected = {"201004~~201004", "201004~~201004", "201004~~201004",
-                                             "201004~~201004", "201004~~201004", "201005~~201004",
-                                             "201005~~201005"};
-  for (int day = 0; day < 7; ++day) {
-    EXPECT_EQ(Render({Days({{qbe_ClauseThisWeek}})}, 33, 40294 + day),
-              "((Luna contains (" + expected[day] + ")))")
-        << day;
+  for (const auto& [clock, clause, value, secondary, expected] : cases) {
+    EXPECT_EQ(Render({Days({{clause, value, secondary}})}, 33, clock),
+              "((Luna contains (" + expected + ")))")
+        << clause << " " << expected;
   }
 }
 

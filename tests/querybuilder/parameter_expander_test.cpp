@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
+#include <tuple>
 #include <vector>
 
 #include "querybuilder/xqb_query.h"
@@ -13,6 +13,7 @@
 #include "runtime/conversions.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/fresh_thread.h"
 #include "tests/support/query_tree.h"
 
 namespace brix {
@@ -20,21 +21,12 @@ namespace {
 
 using test_support::AddCondition;
 using test_support::BuildQuery;
+using test_support::OnFreshThread;
 using test_support::RaisesError;
 using V = Variant;
 using Texts = std::vector<std::string>;
 
 constexpr auto kClause = qbe_ClauseContains;  // the parameter's clause, given to every value
-
-// Runs `test` on a new thread at a fixed noon: the random identities drawn there are known
-// (9229, then 4837, 2723, 2374).
-template <class Test>
-void InFreshThread(Test test) {
-  std::thread([&] {
-    ScopedClock noon(45000.5);
-    test();
-  }).join();
-}
 
 V Values(std::vector<V> items, std::int32_t lower_bound = 0) {
   return V(VariantArray{std::move(items), lower_bound});
@@ -43,7 +35,9 @@ V Values(std::vector<V> items, std::int32_t lower_bound = 0) {
 // Tables Altele and Acte; the field Acte.Emitent carries the parameter "P" as condition 1.
 struct Sample {
   std::shared_ptr<xqb_Query> query = BuildQuery(
-      {{"Altele"}, {"Acte", {{.name = "Emitent", .conditions = {{kClause, V(""), V(""), "P"}}, .dt_index = true}}}});
+      {{"Altele"},
+       {"Acte",
+        {{.name = "Emitent", .conditions = {{kClause, V(""), V(""), "P"}}, .dt_index = true}}}});
   std::shared_ptr<xqb_Field> field = query->Tables()->Item(V(2))->Fields()->Item(V(1));
 
   // The values of the conditions after the parameter, as text.
@@ -57,6 +51,7 @@ struct Sample {
 };
 
 TEST(ParameterExpander, AddsOneConditionPerValue) {
+  ScopedClock noon(45000.5);  // identities drawn on a fresh thread: 9229, 4837, 2723, 2374
   // clang-format off
   const std::vector<std::pair<V, Texts>> cases = {
       {Values({V("a"), V(""), V("b")}),                   {"a", "b"}},
@@ -66,7 +61,7 @@ TEST(ParameterExpander, AddsOneConditionPerValue) {
   };
   // clang-format on
   for (const auto& [values, expected] : cases) {
-    InFreshThread([&] {
+    OnFreshThread([&] {
       Sample sample;
       sample.query->AddParamValues("P", values);
       EXPECT_EQ(sample.Added(), expected);
@@ -79,19 +74,11 @@ TEST(ParameterExpander, AddsOneConditionPerValue) {
       }
     });
   }
-}
-
-TEST(ParameterExpander, UnknownNameChangesNothing) {
-  ScopedClock fixed(45000.5);
-  Sample sample;
-  sample.query->AddParamValues("p", Values({V("a")}));  // names are case-sensitive
-  sample.query->AddParamValues("Q", V("not an array"));
-  EXPECT_EQ(sample.field->Conditions()->Count(), 1);
-}
-
-TEST(ParameterExpander, ExpandedValuesReachTheRenderers) {
-  InFreshThread([] {
+  OnFreshThread([] {
     Sample sample;
+    sample.query->AddParamValues("p", Values({V("a")}));  // names are case-sensitive
+    sample.query->AddParamValues("Q", V("not an array"));
+    EXPECT_EQ(sample.Added(), Texts{});
     sample.query->AddParamValues("P", Values({V("x"), V("y")}));
     sample.query->Tables()->Remove(V(1));
     EXPECT_EQ(sample.query->ReturnDTConditions(),
@@ -101,19 +88,16 @@ TEST(ParameterExpander, ExpandedValuesReachTheRenderers) {
 }
 
 TEST(ParameterExpander, FailuresAreReportedAndKeepWhatWasAdded) {
+  ScopedClock noon(45000.5);
   std::vector<V> eight;
   for (int i = 0; i < 8; ++i) eight.emplace_back(std::to_string(i));
   const std::string nothing = "Object variable or With block variable not set";
-  const std::string duplicate = "A condition with this characteristics already exists in this field!";
+  const std::string duplicate =
+      "A condition with this characteristics already exists in this field!";
   const std::string used_key = "This key is already associated with an element of this collection";
-  struct Case {
-    V values;
-    std::int32_t held;  // identity of a held condition with value "dup" (-1: none)
-    std::string reason;
-    Texts kept;
-  };
+  // values, identity of a held condition "dup" (-1: none), reason, values added before the failure
   // clang-format off
-  const std::vector<Case> cases = {
+  const std::vector<std::tuple<V, std::int32_t, std::string, Texts>> cases = {
       {V("a"),                                 -1,   "Type mismatch", {}},
       {Values({V("a"), V(ErrorValue{5})}),     -1,   "Type mismatch", {"a"}},
       {Values({V(VariantArray{})}),            -1,   "Type mismatch", {}},
@@ -125,16 +109,16 @@ TEST(ParameterExpander, FailuresAreReportedAndKeepWhatWasAdded) {
       {Values(eight, 32760),                   -1,   "Overflow",      {"0", "1", "2", "3", "4", "5", "6", "7"}},
   };
   // clang-format on
-  for (const auto& c : cases) {
-    InFreshThread([&] {
+  for (const auto& [values, held, reason, kept] : cases) {
+    OnFreshThread([&] {
       Sample sample;
       // Equal value and secondary value: adding "dup" again is a duplicate.
-      if (c.held >= 0) AddCondition(*sample.field, c.held, kClause, V("dup"), V("dup"));
-      EXPECT_TRUE(RaisesError([&] { sample.query->AddParamValues("P", c.values); },
+      if (held >= 0) AddCondition(*sample.field, held, kClause, V("dup"), V("dup"));
+      EXPECT_TRUE(RaisesError([&] { sample.query->AddParamValues("P", values); },
                               kErrAddParamValues, "[OrlaXML_qb].[xqb_Persistence].[AddParamValues]",
-                              "Couldn't add parameter!\r\nReason: " + c.reason))
-          << c.reason;
-      EXPECT_EQ(sample.Added(), c.kept) << c.reason;
+                              "Couldn't add parameter!\r\nReason: " + reason))
+          << reason;
+      EXPECT_EQ(sample.Added(), kept) << reason;
     });
   }
   EXPECT_EQ(kErrAddParamValues, static_cast<std::int32_t>(0x80042774u));

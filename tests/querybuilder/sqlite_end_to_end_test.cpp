@@ -13,7 +13,6 @@
 namespace brix {
 namespace {
 
-
 constexpr const char* kSchema = R"sql(
   CREATE TABLE Customers (ID INTEGER, Name TEXT, [Credit Limit] REAL, Active BOOLEAN,
                           Notes TEXT, [Last Visit] TEXT);
@@ -33,27 +32,24 @@ class SqliteEndToEnd : public ::testing::Test {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(":memory:", &db), SQLITE_OK);
     db_.reset(db);
-    ASSERT_EQ(sqlite3_exec(db, kSchema, nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(db);
+    ASSERT_EQ(Rows(kSchema), std::vector<std::string>{});
   }
 
   // Every row of `sql`, its columns as text joined by "|".
   std::vector<std::string> Rows(const std::string& sql) {
-    sqlite3_stmt* raw = nullptr;
-    if (sqlite3_prepare_v2(db_.get(), sql.c_str(), -1, &raw, nullptr) != SQLITE_OK) {
-      ADD_FAILURE() << sqlite3_errmsg(db_.get()) << " in: " << sql;
-      return {};
-    }
-    std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement(raw, sqlite3_finalize);
     std::vector<std::string> rows;
-    while (sqlite3_step(raw) == SQLITE_ROW) {
+    auto collect = [](void* out, int count, char** values, char**) {
       std::string row;
-      for (int i = 0; i < sqlite3_column_count(raw); ++i) {
-        if (i > 0) row += "|";
-        const unsigned char* text = sqlite3_column_text(raw, i);
-        row += text ? reinterpret_cast<const char*>(text) : "NULL";
+      for (int i = 0; i < count; ++i) {
+        row += std::string(i > 0 ? "|" : "") + (values[i] ? values[i] : "NULL");
       }
-      rows.push_back(row);
+      static_cast<std::vector<std::string>*>(out)->push_back(row);
+      return 0;
+    };
+    char* error = nullptr;
+    if (sqlite3_exec(db_.get(), sql.c_str(), collect, &rows, &error) != SQLITE_OK) {
+      ADD_FAILURE() << error << " in: " << sql;
+      sqlite3_free(error);
     }
     return rows;
   }
@@ -66,10 +62,12 @@ using test_support::FieldRow;
 using V = Variant;
 using Texts = std::vector<std::string>;
 
+constexpr auto N = qbe_DataNumeric;
+
 TEST_F(SqliteEndToEnd, EveryClauseKindSelectsItsRows) {
   ScopedClock clock(40240 + 14.5 / 24);  // 14:30
   const V none("");
-  constexpr auto S = qbe_DataString, N = qbe_DataNumeric, M = qbe_DataMemo;
+  constexpr auto S = qbe_DataString, M = qbe_DataMemo;
   struct Case {
     const char* field;
     qbe_DataType type;
@@ -120,46 +118,42 @@ TEST_F(SqliteEndToEnd, EveryClauseKindSelectsItsRows) {
   };
   // clang-format on
   for (const Case& c : cases) {
-    // Customers.ID selected and sorted; another filtered field only filters.
+    // Customers.ID selected and sorted; another field with the condition only filters.
     FieldRow id{.name = "ID", .type = N, .sort = qbe_SortAscending, .sort_level = 1};
-    FieldRow filtered{.name = c.field, .type = c.type, .conditions = {{c.kind, c.value, c.secondary}},
-                      .in_statement = false};
-    std::vector<FieldRow> fields = {id, filtered};
-    if (filtered.name == "ID") {
-      id.conditions = filtered.conditions;
-      fields = {id};
-    }
+    std::vector<FieldRow> fields = {id, {.name = c.field, .type = c.type, .in_statement = false}};
+    if (c.field == std::string_view("ID")) fields.pop_back();
+    fields.back().conditions = {{c.kind, c.value, c.secondary}};
     auto query = BuildQuery({{"Customers", fields}});
     EXPECT_EQ(Rows(query->ReturnSQL()), c.ids) << "kind " << c.kind << ": " << query->ReturnSQL();
   }
 }
 
 TEST_F(SqliteEndToEnd, JoinedTablesWithGroupsOrderAndLimit) {
-  auto query = BuildQuery(
-      {{"Customers",
-        {{.name = "ID", .type = qbe_DataNumeric, .place = 1, .links = "Orders.CustomerID", .group_level = 1,
-          .sort = qbe_SortDescending, .sort_level = 1},
-         {.name = "Credit Limit", .type = qbe_DataNumeric, .alias = "[Credit Limit]", .place = 2, .group_level = 2}}},
-       {"Orders",
-        {{.name = "N", .type = qbe_DataNumeric, .formula = "Count(Orders.Product)"},
-         {.name = "Product", .conditions = {{qbe_ClauseNotEqual, V("pot")}}, .in_statement = false}}}});
+  // clang-format off
+  auto query = BuildQuery({
+      {"Customers", {{.name = "ID", .type = N, .place = 1, .links = "Orders.CustomerID", .group_level = 1,
+                      .sort = qbe_SortDescending, .sort_level = 1},
+                     {.name = "Credit Limit", .type = N, .alias = "[Credit Limit]", .place = 2, .group_level = 2}}},
+      {"Orders", {{.name = "N", .type = N, .formula = "Count(Orders.Product)"},
+                  {.name = "Product", .conditions = {{qbe_ClauseNotEqual, V("pot")}}, .in_statement = false}}}});
+  // clang-format on
   EXPECT_EQ(Rows(query->ReturnSQL(2)), (Texts{"4|80.0|2", "1|100.0|2"}));
 }
 
 TEST_F(SqliteEndToEnd, FilterJoinsAndOrderOnTablesWithBlanks) {
   // The table list brackets stored names again ([[Order Items]]), so a host that uses such
   // names writes its own FROM around the filter and the order list.
-  auto query = BuildQuery(
-      {{"Customers",
-        {{.name = "ID", .type = qbe_DataNumeric, .links = "[Order Items].CustomerID", .sort = qbe_SortAscending,
-          .sort_level = 1}}},
-       {"Order Items",
-        {{.name = "Unit Price", .type = qbe_DataNumeric, .conditions = {{qbe_ClauseGreaterThan, V(10)}},
-          .sort = qbe_SortDescending, .sort_level = 2}}}});
-  std::string sql = "SELECT Customers.ID, [Order Items].[Unit Price] FROM Customers, [Order Items] WHERE " +
-                    query->ReturnWHEREConditions(true, nullptr, true) + " ORDER BY " +
-                    query->ReturnOrderByFields();
-  EXPECT_EQ(Rows(sql), (Texts{"1|12.5", "2|30.0", "4|50.0", "4|11.0"}));
+  // clang-format off
+  auto query = BuildQuery({
+      {"Customers", {{.name = "ID", .type = N, .links = "[Order Items].CustomerID", .sort = qbe_SortAscending, .sort_level = 1}}},
+      {"Order Items", {{.name = "Unit Price", .type = N, .conditions = {{qbe_ClauseGreaterThan, V(10)}},
+                        .sort = qbe_SortDescending, .sort_level = 2}}}});
+  // clang-format on
+  EXPECT_EQ(
+      Rows("SELECT Customers.ID, [Order Items].[Unit Price] FROM Customers, [Order Items] WHERE " +
+           query->ReturnWHEREConditions(true, nullptr, true) + " ORDER BY " +
+           query->ReturnOrderByFields()),
+      (Texts{"1|12.5", "2|30.0", "4|50.0", "4|11.0"}));
 }
 
 }  // namespace

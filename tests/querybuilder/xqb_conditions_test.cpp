@@ -1,13 +1,16 @@
-// The duplicate test (its asymmetry, its errors in position order), keyed access, and the index
-// behind the test staying right while held conditions change.
+// The duplicate test (its asymmetry, its errors in position order), keyed access, the index
+// behind the test staying right while held conditions change, and the random identities.
 #include "querybuilder/xqb_conditions.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "querybuilder/xqb_module.h"
 #include "runtime/clock.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
@@ -36,8 +39,8 @@ struct Stored {
   V secondary;
 };
 
-// Conditions holding `stored`, set through the held objects after they were added: adding some
-// of these combinations directly would be refused or raise.
+// Conditions holding `stored`, set through the held objects after they were added (adding some
+// of these combinations directly would be refused or raise), so the index follows the changes.
 std::shared_ptr<xqb_Conditions> Holding(const std::vector<Stored>& stored) {
   auto conditions = xqb_Conditions::Create();
   for (std::int32_t id = 1; id <= std::ssize(stored); ++id) {
@@ -52,138 +55,93 @@ std::shared_ptr<xqb_Conditions> Holding(const std::vector<Stored>& stored) {
   return conditions;
 }
 
-TEST(ConditionExists, ComparesStoredSecondaryValueWithGivenValue) {
+TEST(ConditionExists, ComparesStoredSecondaryValueWithGivenValueAndRaisesInPositionOrder) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  const auto between = qbe_ClauseBetween;
-  struct Case {
-    const char* name;
-    Stored stored;
-    qbe_ClauseOperator clause;
-    V value;
-    V secondary;
-    bool expected;
-  };
-  // clang-format off
-  const std::vector<Case> cases = {
-      {"secondary \"\" vs 5",      {EQ, V(5), V("")},                    EQ,      V(5),                V(""),  false},
-      {"all empty text",           {EQ, V(""), V("")},                   EQ,      V(""),               V("x"), true},
-      {"between 1..9 then 1..7",   {between, V(1), V(9)},                between, V(1),                V(7),   false},
-      {"given secondary ignored",  {between, V(1), V(1)},                between, V(1),                V(99),  true},
-      {"clause differs",           {qbe_ClauseGreaterThan, V(""), V("")}, EQ,     V(""),               V(""),  false},
-      {"Empty equals \"\"",        {EQ, V(), V()},                       EQ,      V(""),               V(),    true},
-      {"Empty equals 0",           {EQ, V(), V()},                       EQ,      V(std::int16_t{0}),  V(),    true},
-      {"\"\" and 0 differ",        {EQ, V(""), V()},                     EQ,      V(0.0),              V(),    false},
-      {"given Empty",              {EQ, V(0), V("")},                    EQ,      V(),                 V(),    true},
-      {"Long vs Double",           {EQ, V(5), V(5.0)},                   EQ,      V(5.0),              V(),    true},
-      {"text is not a number",     {EQ, V("5"), V("5")},                 EQ,      V(5),                V(),    false},
-      {"letter case counts",       {EQ, V("abc"), V("abc")},             EQ,      V("ABC"),            V(),    false},
-      {"True is -1",               {EQ, V(true), V(true)},               EQ,      V(-1),               V(),    true},
-      {"Date is its day number",   {EQ, V(Date{2}), V(Date{2})},         EQ,      V(std::int16_t{2}),  V(),    true},
-      {"minus zero",               {EQ, V(-0.0), V(-0.0)},               EQ,      V(0),                V(),    true},
-      {"Null never equal",         {EQ, V::Null(), V::Null()},           EQ,      V::Null(),           V(),    false},
-      {"Single vs Double",         {EQ, V(0.1f), V(0.1f)},               EQ,      V(0.1),              V(),    true},
-      {"given Single",             {EQ, V(0.1), V(0.1)},                 EQ,      V(0.1f),             V(),    true},
-      {"NaN equals any number",    {EQ, V(nan), V(nan)},                 EQ,      V(7),                V(),    true},
-      {"Currency",                 {EQ, V(Currency{50000}), V(Currency{50000})}, EQ, V(5),             V(),    true},
-  };
-  // clang-format on
-  for (const auto& c : cases) {
-    EXPECT_EQ(Holding({c.stored})->ConditionExists(c.clause, c.value, c.secondary), c.expected)
-        << c.name;
-  }
-}
-
-TEST(ConditionExists, RaisesInPositionOrderEvenWhenTheClauseDiffers) {
+  const auto between = qbe_ClauseBetween, less = qbe_ClauseLessThan;
   const Stored plain{EQ, V(""), V("")};
-  const Stored missing{qbe_ClauseLessThan, V::Missing(), V("")};
-  const Stored nothing{qbe_ClauseLessThan, V(""), V::Nothing()};
-  const Stored array{qbe_ClauseLessThan, V(VariantArray{}), V("")};
-  EXPECT_TRUE(Holding({plain, missing})->ConditionExists(EQ, V("")));
+  const int no = 0, yes = 1;  // otherwise the error number raised
   // clang-format off
-  const std::vector<std::pair<std::vector<Stored>, std::int32_t>> cases = {
-      {{missing, plain}, kErrTypeMismatch},
-      {{nothing, plain}, kErrObjectVariableNotSet},
-      {{array},          kErrTypeMismatch},
+  const std::vector<std::tuple<const char*, std::vector<Stored>, qbe_ClauseOperator, V, V, int>> cases = {
+      {"secondary \"\" vs 5",     {{EQ, V(5), V("")}},              EQ,      V(5),               V(""),  no},
+      {"all empty text",          {plain},                          EQ,      V(""),              V("x"), yes},
+      {"between 1..9 then 1..7",  {{between, V(1), V(9)}},          between, V(1),               V(7),   no},
+      {"given secondary ignored", {{between, V(1), V(1)}},          between, V(1),               V(99),  yes},
+      {"clause differs",          {{qbe_ClauseGreaterThan, V(""), V("")}}, EQ, V(""),            V(""),  no},
+      {"Empty equals \"\"",       {{EQ, V(), V()}},                 EQ,      V(""),              V(),    yes},
+      {"Empty equals 0",          {{EQ, V(), V()}},                 EQ,      V(std::int16_t{0}), V(),    yes},
+      {"\"\" and 0 differ",       {{EQ, V(""), V()}},               EQ,      V(0.0),             V(),    no},
+      {"given Empty",             {{EQ, V(0), V("")}},              EQ,      V(),                V(),    yes},
+      {"Long vs Double",          {{EQ, V(5), V(5.0)}},             EQ,      V(5.0),             V(),    yes},
+      {"text is not a number",    {{EQ, V("5"), V("5")}},           EQ,      V(5),               V(),    no},
+      {"letter case counts",      {{EQ, V("abc"), V("abc")}},       EQ,      V("ABC"),           V(),    no},
+      {"True is -1",              {{EQ, V(true), V(true)}},         EQ,      V(-1),              V(),    yes},
+      {"Date is its day number",  {{EQ, V(Date{2}), V(Date{2})}},   EQ,      V(std::int16_t{2}), V(),    yes},
+      {"minus zero",              {{EQ, V(-0.0), V(-0.0)}},         EQ,      V(0),               V(),    yes},
+      {"Null never equal",        {{EQ, V::Null(), V::Null()}},     EQ,      V::Null(),          V(),    no},
+      {"Single vs Double",        {{EQ, V(0.1f), V(0.1f)}},         EQ,      V(0.1),             V(),    yes},
+      {"given Single",            {{EQ, V(0.1), V(0.1)}},           EQ,      V(0.1f),            V(),    yes},
+      {"NaN equals any number",   {{EQ, V(nan), V(nan)}},           EQ,      V(7),               V(),    yes},
+      {"Currency",                {{EQ, V(Currency{50000}), V(Currency{50000})}}, EQ, V(5),      V(),    yes},
+      // Held operands are compared in position order, whatever their clause, until a match.
+      {"match before raising",    {plain, {less, V::Missing(), V("")}}, EQ,  V(""),              V(),    yes},
+      {"missing held value",      {{less, V::Missing(), V("")}, plain}, EQ,  V(""),              V(),    kErrTypeMismatch},
+      {"Nothing held",            {{less, V(""), V::Nothing()}, plain}, EQ,  V(""),              V(),    kErrObjectVariableNotSet},
+      {"array held",              {{less, V(VariantArray{}), V("")}},   EQ,  V(""),              V(),    kErrTypeMismatch},
+      // An omitted value is the missing-argument marker: comparing it with a held value raises.
+      {"omitted value, none held", {},                              EQ,      V::Missing(),       V(),    no},
+      {"omitted value",           {plain},                          EQ,      V::Missing(),       V(),    kErrTypeMismatch},
   };
   // clang-format on
-  for (const auto& [stored, number] : cases) {
-    EXPECT_TRUE(RaisesRuntimeError([&] { Holding(stored)->ConditionExists(EQ, V("")); }, number));
+  for (const auto& [name, stored, clause, value, secondary, expected] : cases) {
+    auto conditions = Holding(stored);
+    auto exists = [&] { return conditions->ConditionExists(clause, value, secondary); };
+    if (expected > yes) {
+      EXPECT_TRUE(RaisesRuntimeError(exists, expected)) << name;
+    } else {
+      EXPECT_EQ(exists(), expected == yes) << name;
+    }
   }
-  // An omitted value is the missing-argument marker: comparing it with a stored value raises.
-  EXPECT_FALSE(xqb_Conditions::Create()->ConditionExists(EQ));
-  EXPECT_TRUE(RaisesRuntimeError([&] { Holding({plain})->ConditionExists(EQ); }, kErrTypeMismatch));
 }
 
 TEST(XqbConditions, AddRefusesDuplicatesAndKeysByTheDecimalIdentity) {
+  ScopedClock noon(45000.5);
   OnFreshThread([] {
-    ScopedClock noon(45000.5);  // the first identity drawn is 9229
     auto conditions = xqb_Conditions::Create();
     auto added = conditions->Add(qbe_ClauseBetween, V(1), V(9));
-    EXPECT_EQ(added->ConditionID(), 9229);
+    EXPECT_EQ(conditions->Item(V("9229")), added);  // the first identity drawn at noon
     EXPECT_EQ(added->SecondaryValue().AsLong(), 9);
-    EXPECT_EQ(conditions->Item(V("9229")), added);
     conditions->Add(EQ, V(5));
     conditions->Add(EQ, V(5));  // the stored "" differs from 5: accepted
     conditions->Add(EQ);
     EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(EQ); }));
     EXPECT_TRUE(RaisesDuplicate([&] { conditions->AddObjectCondition(MakeCondition(77, EQ)); }));
+    EXPECT_TRUE(RaisesRuntimeError([&] { conditions->AddObjectCondition(nullptr); },
+                                   kErrObjectVariableNotSet));
     EXPECT_EQ(conditions->Count(), 4);
     EXPECT_EQ(kErrConditionExists, static_cast<std::int32_t>(0x80040BB8u));
   });
 }
 
-TEST(XqbConditions, TextKeyAndPositionAreDifferentIndexes) {
-  auto conditions = xqb_Conditions::Create();
-  auto zero = MakeCondition(0, EQ, V(1), V(1));
-  conditions->AddObjectCondition(zero);
-  EXPECT_EQ(conditions->Item(V("0")), zero);
-  EXPECT_EQ(conditions->Item(V(1)), zero);
-  EXPECT_TRUE(RaisesRuntimeError([&] { conditions->Item(V(0)); }, kErrSubscriptOutOfRange));
-  EXPECT_TRUE(RaisesRuntimeError([&] { conditions->Item(V("1")); }, kErrInvalidProcedureCall));
-  EXPECT_TRUE(RaisesRuntimeError([&] { conditions->AddObjectCondition(nullptr); },
-                                 kErrObjectVariableNotSet));
-}
-
-TEST(ConditionIndex, FollowsChangesOfHeldAndSharedConditions) {
-  auto conditions = xqb_Conditions::Create();
-  auto other = xqb_Conditions::Create();
+TEST(ConditionIndex, FollowsChangesRemovalsAndClear) {
+  auto conditions = xqb_Conditions::Create(), other = xqb_Conditions::Create();
   auto held = MakeCondition(1, EQ, V("a"), V("a"));
   conditions->AddObjectCondition(held);
   other->AddObjectCondition(held);
-  EXPECT_TRUE(conditions->ConditionExists(EQ, V("a")));
-  held->SetValue(V("b"));
+  conditions->AddObjectCondition(MakeCondition(2, EQ, V("b"), V("b")));
+  held->SetValue(V("c"));
   EXPECT_FALSE(conditions->ConditionExists(EQ, V("a")));
-  held->SetSecondaryValue(V("b"));
-  EXPECT_TRUE(conditions->ConditionExists(EQ, V("b")));
-  EXPECT_TRUE(other->ConditionExists(EQ, V("b")));
+  held->SetSecondaryValue(V("c"));
+  EXPECT_TRUE(conditions->ConditionExists(EQ, V("c")) && other->ConditionExists(EQ, V("c")));
   held->SetClause(qbe_ClauseNotEqual);
-  conditions->Add(EQ, V("b"));
-  EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(qbe_ClauseNotEqual, V("b")); }));
-  // A held value that makes comparisons raise, then a regular one again.
-  held->SetValue(V::Missing());
-  EXPECT_TRUE(RaisesRuntimeError([&] { conditions->ConditionExists(EQ, V("z")); }, kErrTypeMismatch));
-  held->SetValue(V("z"));
-  held->SetSecondaryValue(V("z"));
-  EXPECT_TRUE(conditions->ConditionExists(qbe_ClauseNotEqual, V("z")));
-}
-
-TEST(ConditionIndex, RemoveAndClearKeepItRight) {
-  auto conditions = xqb_Conditions::Create();
-  auto a = MakeCondition(1, EQ, V("a"), V("a"));
-  conditions->AddObjectCondition(a);
-  conditions->AddObjectCondition(MakeCondition(2, EQ, V::Null(), V::Null()));  // irregular
-  conditions->AddObjectCondition(MakeCondition(3, EQ, V("b"), V("b")));
+  EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(qbe_ClauseNotEqual, V("c")); }));
   conditions->Remove(V("1"));
-  EXPECT_FALSE(conditions->ConditionExists(EQ, V("a")));
-  conditions->Remove(V(1));
-  EXPECT_TRUE(conditions->ConditionExists(EQ, V("b")));
+  EXPECT_FALSE(conditions->ConditionExists(qbe_ClauseNotEqual, V("c")));
   // A removed condition changed while nobody holds it is indexed by its new values when re-added.
-  a->SetValue(V("c"));
-  a->SetSecondaryValue(V("c"));
-  conditions->AddObjectCondition(a);
-  EXPECT_TRUE(conditions->ConditionExists(EQ, V("c")));
+  held->SetValue(V("d"));
+  held->SetSecondaryValue(V("d"));
+  conditions->AddObjectCondition(held);
+  EXPECT_TRUE(conditions->ConditionExists(qbe_ClauseNotEqual, V("d")));
   conditions->Clear();
-  EXPECT_EQ(conditions->Count(), 0);
   EXPECT_FALSE(conditions->ConditionExists(EQ, V("b")));
 }
 
@@ -196,6 +154,50 @@ TEST(XqbConditions, SearchCounterCapsAFieldAt32767Conditions) {
   EXPECT_TRUE(RaisesRuntimeError(
       [&] { conditions->AddObjectCondition(MakeCondition(0, EQ, V(0))); }, kErrOverflow));
   EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(EQ, V(5)); }));
+}
+
+TEST(XqbModule, RndAndIdentitiesFollowThePlatformSequence) {
+  OnFreshThread([] {
+    EXPECT_FLOAT_EQ(xqb_Module::Rnd(), 0.7055475f);
+    EXPECT_FLOAT_EQ(xqb_Module::Rnd(), 0.533424f);
+    EXPECT_FLOAT_EQ(xqb_Module::Rnd(), 0.5795186f);
+  });
+  using Ids = std::vector<std::int32_t>;
+  // At Timer 43200 and at Timer 0.
+  for (const auto& [serial, expected] :
+       {std::pair{45000.5, Ids{9229, 4837, 2723}}, std::pair{45000.0, Ids{1831, 7440, 7060}}}) {
+    ScopedClock clock(serial);
+    Ids drawn;
+    OnFreshThread([&] {
+      for (int i = 0; i < 3; ++i) drawn.push_back(xqb_Module::RandomNumber(0, 10000));
+    });
+    EXPECT_EQ(drawn, expected) << serial;
+  }
+}
+
+TEST(XqbModule, BoundsRule) {
+  constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+  // low, high, and the range of the results: the generator step itself for 0 .. kMax, reversed
+  // bounds folded from the upper one.
+  // clang-format off
+  const std::vector<std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t>> cases = {
+      {0,  10000, 0, 10000},
+      {0,  kMax,  1, kMax - 1},
+      {10, 5,     5, 10},
+      {7,  7,     7, 7},
+      {-5, 5,     -5, 5},
+  };
+  // clang-format on
+  for (double seconds = 0; seconds < 86400; seconds += 0.997) {
+    ScopedClock clock(45000 + seconds / 86400);
+    for (const auto& [low, high, min, max] : cases) {
+      std::int32_t n = xqb_Module::RandomNumber(low, high);
+      ASSERT_TRUE(n >= min && n <= max) << low << ".." << high << " at " << seconds << ": " << n;
+    }
+  }
+  for (const auto& [low, high] : {std::pair{0, -kMax - 1}, {-1, kMax}, {kMax, -1}}) {
+    EXPECT_TRUE(RaisesRuntimeError([&] { xqb_Module::RandomNumber(low, high); }, kErrOverflow));
+  }
 }
 
 }  // namespace

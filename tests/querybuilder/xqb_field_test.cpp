@@ -1,18 +1,19 @@
-// The available-clause list of a field: string rules, defaults per type, and its listing.
+// The catalogue's display texts, and the available-clause list of a field: string rules,
+// defaults per type, and its listing.
 #include "querybuilder/xqb_field.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "runtime/error_numbers.h"
-#include "tests/support/expect_error.h"
+#include "querybuilder/clause_catalogue.h"
+#include "querybuilder/xqb_condition.h"
 
 namespace brix {
 namespace {
 
-using test_support::RaisesRuntimeError;
 using Clauses = std::vector<std::int32_t>;
 
 Clauses Listed(const xqb_Field& field) {
@@ -21,6 +22,49 @@ Clauses Listed(const xqb_Field& field) {
 }
 
 auto K(std::int32_t clause) { return static_cast<qbe_ClauseOperator>(clause); }
+
+template <class Enum, std::string (*Describe)(Enum)>
+std::string Text(std::int32_t value) {
+  return Describe(static_cast<Enum>(value));
+}
+
+TEST(ClauseCatalogue, TextsIncludingValuesOutsideEachRange) {
+  const auto clause = Text<qbe_ClauseOperator, ClauseDescription>;
+  const auto type = Text<qbe_DataType, DataTypeDescription>;
+  const auto sort = Text<qbe_SortType, SortTypeDescription>;
+  const auto aggregate = Text<qbe_AggregateFunctionType, AggregateFunctionDescription>;
+  const auto logic = Text<qbe_WhereClauseLogic, WhereClauseLogicDescription>;
+  // clang-format off
+  const std::vector<std::tuple<std::string (*)(std::int32_t), std::int32_t, std::string>> cases = {
+      {clause,    0,  ""},
+      {clause,    1,  "intre ___ si ___"},
+      {clause,    7,  "este <NULL>"},
+      {clause,    17, "in lista: ___"},
+      {clause,    19, "nu este in lista ___"},
+      {clause,    32, "este mai mic decat ora curenta"},
+      {clause,    33, ""},
+      {clause,    -1, ""},
+      {type,      0,  ""},
+      {type,      1,  "BLOB"},
+      {type,      6,  "String"},
+      {type,      7,  ""},
+      {type,      12, ""},
+      {type,      13, ""},
+      {sort,      1,  "Ascending"},
+      {sort,      -1, "Descending"},
+      {sort,      2,  ""},
+      {aggregate, 0,  "None"},
+      {aggregate, 7,  "Value count"},
+      {aggregate, 8,  ""},
+      {logic,     1,  " AND "},
+      {logic,     2,  " OR "},
+      {logic,     0,  ""},
+  };
+  // clang-format on
+  for (const auto& [text, value, expected] : cases) EXPECT_EQ(text(value), expected) << value;
+  auto condition = xqb_Condition::Create();  // logic AND, clause 0
+  EXPECT_EQ(condition->WhereClauseDescription() + "|" + condition->ClauseDescription(), " AND |");
+}
 
 TEST(XqbField, DefaultClauseListPerShowAsType) {
   // clang-format off
@@ -59,39 +103,32 @@ TEST(XqbField, DefaultClauseListPerShowAsType) {
 }
 
 TEST(XqbField, ClauseListStringRules) {
-  enum Op { kSet, kUnset, kTest };
-  struct Case {
-    const char* before;
-    Op op;
-    std::int32_t clause;
-    const char* after;
-    bool available;  // for kTest
-  };
   // clang-format off
-  const std::vector<Case> cases = {
-      {"",      kSet,   3,  "|3|",   false},
-      {"|3|",   kSet,   5,  "|3|5|", false},
-      {"|3|",   kSet,   3,  "|3|",   false},
-      {"|3|",   kUnset, 3,  "",      false},
-      {"|3|5|", kUnset, 3,  "|5|",   false},
-      {"|3|5|", kUnset, 7,  "|3|5|", false},
-      {"|3|3|", kUnset, 3,  "|3|",   false},  // one left-to-right pass
-      {"|11|1|", kUnset, 1, "|11|",  false},
-      {"|11|",  kTest,  1,  "|11|",  false},
-      {"|11|",  kTest,  11, "|11|",  true},
-      {"|1|3|", kTest,  3,  "|1|3|", true},
-      {"",      kTest,  3,  "",      false},
+  // list before, '+' set, '-' unset or '?' test, clause, list after, the test's answer
+  const std::vector<std::tuple<const char*, char, std::int32_t, const char*, bool>> cases = {
+      {"",       '+', 3,  "|3|",   false},
+      {"|3|",    '+', 5,  "|3|5|", false},
+      {"|3|",    '+', 3,  "|3|",   false},
+      {"|3|",    '-', 3,  "",      false},
+      {"|3|5|",  '-', 3,  "|5|",   false},
+      {"|3|5|",  '-', 7,  "|3|5|", false},
+      {"|3|3|",  '-', 3,  "|3|",   false},  // one left-to-right pass
+      {"|11|1|", '-', 1,  "|11|",  false},
+      {"|11|",   '?', 1,  "|11|",  false},
+      {"|11|",   '?', 11, "|11|",  true},
+      {"|1|3|",  '?', 3,  "|1|3|", true},
+      {"",       '?', 3,  "",      false},
   };
   // clang-format on
-  for (const auto& c : cases) {
+  for (const auto& [before, op, clause, after, available] : cases) {
     auto field = xqb_Field::Create();
-    field->SetAvailableClauses(c.before);
-    if (c.op == kSet) field->SetClauseAvailable(K(c.clause));
-    if (c.op == kUnset) field->UnsetClauseAvailable(K(c.clause));
-    if (c.op == kTest) {
-      EXPECT_EQ(field->ClauseAvailable(K(c.clause)), c.available) << c.before;
+    field->SetAvailableClauses(before);
+    if (op == '+') field->SetClauseAvailable(K(clause));
+    if (op == '-') field->UnsetClauseAvailable(K(clause));
+    if (op == '?') {
+      EXPECT_EQ(field->ClauseAvailable(K(clause)), available) << before;
     }
-    EXPECT_EQ(field->AvailableClauses(), c.after) << c.before << " " << c.clause;
+    EXPECT_EQ(field->AvailableClauses(), after) << before << " " << op << clause;
   }
 }
 
@@ -100,46 +137,24 @@ TEST(XqbField, ListingFollowsCandidateOrder) {
   const Clauses dates = {1, 3, 4, 5, 8, 9, 11, 18, 14, 16, 15, 21, 22, 23, 24, 28, 29, 6, 20};
   Clauses dates_without_16 = dates;
   std::erase(dates_without_16, 16);
-  Clauses dates_without_1_16 = dates_without_16;
-  std::erase(dates_without_1_16, 1);
-  struct Case {
-    const char* name;
-    qbe_DataType show_as_type;
-    Clauses unset;
-    const char* list;  // replaces the list when not null
-    Clauses expected;
-  };
   // clang-format off
-  const std::vector<Case> cases = {
-      {"date defaults never list 16", qbe_DataDate,         {},      nullptr,       dates_without_16},
-      {"date without 1",              qbe_DataDate,         {1},     nullptr,       dates_without_1_16},
-      {"empty date list lists 16",    qbe_DataDate,         {},      "",            dates},
-      {"string list emptied by hand", qbe_DataString,       strings, nullptr,       strings},
-      {"Boolean lists 3 regardless",  qbe_DataBoolean,      {3},     nullptr,       {3}},
-      {"Boolean without 3 in list",   qbe_DataBoolean,      {},      "|5|",         {3}},
-      {"hand-set clauses on BLOB",    qbe_DataBLOB,         {},      "|3|2|",       {}},
-      {"candidate, not list order",   qbe_DataString,       {},      "|3|99|7|2|",  {2, 3}},
-      {"full-text type",              qbe_DataUserDefined3, {26},    nullptr,       {25, 27}},
+  // ShowAsType, the list set by hand (nullptr: the type's defaults), the clauses listed
+  const std::vector<std::tuple<qbe_DataType, const char*, Clauses>> cases = {
+      {qbe_DataDate,         nullptr,      dates_without_16},  // the defaults never list 16
+      {qbe_DataDate,         "",           dates},             // an empty list lists every candidate
+      {qbe_DataString,       "",           strings},
+      {qbe_DataBoolean,      "|5|",        {3}},               // Boolean lists 3 regardless
+      {qbe_DataBLOB,         "|3|2|",      {}},
+      {qbe_DataString,       "|3|99|7|2|", {2, 3}},            // candidate order, not list order
+      {qbe_DataUserDefined3, "|25|27|",    {25, 27}},
   };
   // clang-format on
-  for (const auto& c : cases) {
+  for (const auto& [type, list, expected] : cases) {
     auto field = xqb_Field::Create();
-    field->SetShowAsType(c.show_as_type);
-    for (std::int32_t clause : c.unset) field->UnsetClauseAvailable(K(clause));
-    if (c.list) field->SetAvailableClauses(c.list);
-    EXPECT_EQ(Listed(*field), c.expected) << c.name;
+    field->SetShowAsType(type);
+    if (list) field->SetAvailableClauses(list);
+    EXPECT_EQ(Listed(*field), expected) << type << " " << (list ? list : "defaults");
   }
-}
-
-TEST(XqbField, NameAndConditions) {
-  auto field = xqb_Field::Create();
-  field->SetDBName("dbo.Order Date");
-  EXPECT_EQ(field->DBName(), "dbo.[Order Date]");
-  auto shared = xqb_Conditions::Create();
-  field->SetConditions(shared);
-  EXPECT_EQ(field->Conditions(), shared);
-  field->SetConditions(nullptr);
-  EXPECT_TRUE(RaisesRuntimeError([&] { field->Conditions(); }, kErrObjectVariableNotSet));
 }
 
 }  // namespace
