@@ -212,8 +212,24 @@ struct DateToken {
   std::string word;       // lower-case word
 };
 
+// 1..12 for a month name or its first three or more letters; `word` is lower-case ASCII, as are
+// the month names once folded.
+std::optional<int> MonthOfName(std::string_view word) {
+  if (word.size() < 3) return std::nullopt;
+  auto folded_equal = [](char w, char n) { return w == LowerAscii(n); };
+  for (int month = 1; month <= 12; ++month) {
+    std::string_view name = MonthName(month);
+    if (name.size() >= word.size() &&
+        std::equal(word.begin(), word.end(), name.begin(), folded_equal)) {
+      return month;
+    }
+  }
+  return std::nullopt;
+}
+
 std::optional<std::vector<DateToken>> LexDate(std::string_view text) {
   std::vector<DateToken> tokens;
+  tokens.reserve(8);
   for (std::size_t pos = 0; pos < text.size();) {
     char c = text[pos];
     if (IsBlank(c)) {
@@ -229,6 +245,8 @@ std::optional<std::vector<DateToken>> LexDate(std::string_view text) {
     } else if (IsLetter(c)) {
       std::string word;
       for (; pos < text.size() && IsLetter(text[pos]); ++pos) word += LowerAscii(text[pos]);
+      // Any word but a month name or AM/PM fails the date later on; most texts stop here.
+      if (word != "am" && word != "pm" && !MonthOfName(word)) return std::nullopt;
       tokens.push_back({DateToken::kWord, 0, 0, std::move(word)});
     } else if (c == '/' || c == '-' || c == '.' || c == ',' || c == ':') {
       tokens.push_back({DateToken::kSeparator, c, 0, {}});
@@ -249,16 +267,6 @@ std::optional<int> HalfDayOffset(const DateToken& t) {
   if (t.kind != DateToken::kWord) return std::nullopt;
   if (t.word == "am") return 0;
   if (t.word == "pm") return 12;
-  return std::nullopt;
-}
-
-// 1..12 for a month name or its first three or more letters.
-std::optional<int> MonthOfName(const std::string& word) {
-  if (word.size() < 3) return std::nullopt;
-  for (int month = 1; month <= 12; ++month) {
-    std::string_view name = MonthName(month);
-    if (name.size() >= word.size() && FoldCase(name.substr(0, word.size())) == word) return month;
-  }
   return std::nullopt;
 }
 
