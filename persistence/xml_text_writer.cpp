@@ -1,9 +1,9 @@
 // Serialises a DOM document as the platform's DOM does, without recursion.
 #include "persistence/xml_text_writer.h"
 
+#include <array>
 #include <string_view>
-
-#include "persistence/xml_tree_walk.h"
+#include <vector>
 
 namespace brix {
 namespace {
@@ -15,28 +15,49 @@ void AppendReference(std::string& out, unsigned char c) {
 }
 
 /// A character the parser would drop or change when it reads it raw in text or CDATA.
-bool NeedsReference(unsigned char c) { return (c < 0x20 && c != '\t' && c != '\n') || c == '\r'; }
+constexpr bool NeedsReference(unsigned char c) {
+  return (c < 0x20 && c != '\t' && c != '\n') || c == '\r';
+}
+
+/// Characters of text that are not written as they are: markup, LF and what `NeedsReference`
+/// names. Text is copied in runs between them.
+constexpr std::array<bool, 256> kSpecialInText = [] {
+  std::array<bool, 256> special{};
+  for (int c = 0; c < 256; ++c) {
+    special[c] = c == '&' || c == '<' || c == '>' || c == '\n' ||
+                 NeedsReference(static_cast<unsigned char>(c));
+  }
+  return special;
+}();
+
+void AppendTextCharacter(std::string& out, unsigned char c) {
+  if (c == '&') {
+    out += "&amp;";
+  } else if (c == '<') {
+    out += "&lt;";
+  } else if (c == '>') {
+    out += "&gt;";
+  } else if (c == '\n') {
+    out += "\r\n";
+  } else {
+    AppendReference(out, c);
+  }
+}
 
 void AppendText(std::string& out, std::string_view text) {
-  const bool blank_only = text.find_first_not_of(" \t\n\r") == std::string_view::npos;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const unsigned char c = static_cast<unsigned char>(text[i]);
-    if (i == 0 && blank_only) {
-      AppendReference(out, c);
-    } else if (c == '&') {
-      out += "&amp;";
-    } else if (c == '<') {
-      out += "&lt;";
-    } else if (c == '>') {
-      out += "&gt;";
-    } else if (c == '\n') {
-      out += "\r\n";
-    } else if (NeedsReference(c)) {
-      AppendReference(out, c);
-    } else {
-      out += static_cast<char>(c);
-    }
+  std::size_t start = 0;
+  if (!text.empty() && text.find_first_not_of(" \t\n\r") == std::string_view::npos) {
+    AppendReference(out, static_cast<unsigned char>(text.front()));
+    start = 1;
   }
+  for (std::size_t i = start; i < text.size(); ++i) {
+    const unsigned char c = static_cast<unsigned char>(text[i]);
+    if (!kSpecialInText[c]) continue;
+    out.append(text, start, i - start);
+    AppendTextCharacter(out, c);
+    start = i + 1;
+  }
+  out.append(text, start, text.size() - start);
 }
 
 void AppendCData(std::string& out, std::string_view content) {
@@ -89,55 +110,75 @@ void AppendAttributeValue(std::string& out, std::string_view value) {
   }
 }
 
-/// Writes a start tag, or the whole element when it has no children.
-void AppendStartTag(std::string& out, pugi::xml_node element) {
-  out += '<';
-  out += element.name();
-  for (pugi::xml_attribute attribute : element.attributes()) {
-    out += ' ';
-    out += attribute.name();
-    out += "=\"";
-    AppendAttributeValue(out, attribute.value());
-    out += '"';
-  }
-  out += element.first_child() ? ">" : "/>";
-}
+/// Writes the elements of a document in document order with the DOM's own walk, which keeps the
+/// calls per node few. The names of the open elements are kept for their end tags.
+class TextWriter : public pugi::xml_tree_walker {
+ public:
+  explicit TextWriter(std::string& out) : out_(out) {}
 
-void AppendEndTag(std::string& out, pugi::xml_node element) {
-  out += "</";
-  out += element.name();
-  out += '>';
-}
-
-void AppendLeaf(std::string& out, pugi::xml_node node) {
-  switch (node.type()) {
-    case pugi::node_pcdata:
-      AppendText(out, node.value());
-      break;
-    case pugi::node_cdata:
-      AppendCData(out, node.value());
-      break;
-    default:
-      break;
+  bool for_each(pugi::xml_node& node) override {
+    CloseDeeperThan(depth());
+    const pugi::xml_node_type type = node.type();
+    if (type == pugi::node_element) {
+      WriteElement(node);
+    } else if (depth() > 0 && type == pugi::node_pcdata) {
+      AppendText(out_, node.value());
+    } else if (depth() > 0 && type == pugi::node_cdata) {
+      AppendCData(out_, node.value());
+    }
+    return true;
   }
-}
+
+  bool end(pugi::xml_node&) override {
+    CloseDeeperThan(0);
+    return true;
+  }
+
+ private:
+  // A start tag, or the whole element when it has no children.
+  void WriteElement(pugi::xml_node element) {
+    const std::string_view name = element.name();
+    out_ += '<';
+    out_ += name;
+    for (pugi::xml_attribute attribute = element.first_attribute(); attribute;
+         attribute = attribute.next_attribute()) {
+      out_ += ' ';
+      out_ += attribute.name();
+      out_ += "=\"";
+      AppendAttributeValue(out_, attribute.value());
+      out_ += '"';
+    }
+    if (element.first_child()) {
+      out_ += '>';
+      open_names_.push_back(name);
+    } else {
+      out_ += "/>";
+      if (depth() == 0) out_ += "\r\n";
+    }
+  }
+
+  // Writes the end tags of the open elements at `depth` and below; a top-level element is
+  // followed by CR LF.
+  void CloseDeeperThan(int depth) {
+    while (open_names_.size() > static_cast<std::size_t>(depth)) {
+      out_ += "</";
+      out_ += open_names_.back();
+      out_ += '>';
+      open_names_.pop_back();
+      if (open_names_.empty()) out_ += "\r\n";
+    }
+  }
+
+  std::string& out_;
+  std::vector<std::string_view> open_names_;
+};
 
 }  // namespace
 
 std::string WriteXmlText(const pugi::xml_document& document) {
   std::string out;
-  auto end_tag = [&out](pugi::xml_node element) { AppendEndTag(out, element); };
-  for (pugi::xml_node root : document.children()) {
-    if (root.type() != pugi::node_element) continue;
-    for (pugi::xml_node node = root; node; node = NextInDocumentOrder(node, root, end_tag)) {
-      if (node.type() == pugi::node_element) {
-        AppendStartTag(out, node);
-      } else {
-        AppendLeaf(out, node);
-      }
-    }
-    out += "\r\n";
-  }
+  TextWriter writer(out);
+  pugi::xml_node(document).traverse(writer);
   return out;
 }
 
