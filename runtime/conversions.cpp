@@ -229,7 +229,6 @@ std::optional<int> MonthOfName(std::string_view word) {
 
 std::optional<std::vector<DateToken>> LexDate(std::string_view text) {
   std::vector<DateToken> tokens;
-  tokens.reserve(8);
   for (std::size_t pos = 0; pos < text.size();) {
     char c = text[pos];
     if (IsBlank(c)) {
