@@ -36,7 +36,7 @@ TEST(ParseNumber, ReadsThePlatformNumberSyntax) {
       {-3,           {"(3)", "( 3 )", "3-", "-$3", "-&H3", "3.-"}},
       {123.5,        {" 1,2,3.5 ", "1,23.5", "1.235E+2"}},
       {0.5,          {".5", "0,.5"}},
-      {-1,           {"&HFFFFFFFF"}},
+      {-1,           {"&HFFFF", "&HFFFFFFFF"}},
       {-32768,       {"&H8000"}},
       {65536,        {"&H10000"}},
       {0,            {"1e-400"}},
@@ -64,12 +64,11 @@ TEST(ParseDate, ReadsTheEnUsFormsWithTheClocksYearAsDefault) {
       {40239,                    {"3/2/2010", " 03/02/2010 ", "3-2-2010", "3.2.2010", "3 2 2010",
                                   "2010-03-02"}},
       {40242,                    {"05-Mar-2010", "5-MAR-10", "March 5, 2010", "Mar. 5, 2010",
-                                  "2010 Mar 5"}},
+                                  "Marc 5, 2010", "2010 Mar 5"}},
       {40238,                    {"Mar 2010", "3/2010", "2010/3"}},
       {DateSerial(2010, 5, 13),  {"13/5/2010"}},
       {DateSerial(2029, 3, 2),   {"3/2/29"}},
       {DateSerial(1930, 3, 2),   {"3/2/30"}},
-      {DateSerial(2010, 9, 5),   {"Sept 5, 2010"}},
       {DateSerial(2024, 3, 5),   {"Mar 5"}},
       {DateSerial(2024, 1, 2),   {"1-2"}},
       {DateSerial(2024, 5, 13),  {"13/5"}},
@@ -209,7 +208,9 @@ TEST(Conversions, RaiseOverflowTypeMismatchAndTheErrorsOfNullAndObjects) {
 }
 
 TEST(IsNumericAndIsDate, ClassifyKinds) {
-  for (const Variant& value : {Variant(1), Variant(true), Variant()}) {
+  for (const Variant& value :
+       {Variant(std::int16_t{1}), Variant(1), Variant(1.5f), Variant(1.5), Variant(Currency{1}),
+        Variant(std::uint8_t{1}), Variant(true), Variant()}) {
     EXPECT_TRUE(IsNumeric(value) && !IsDate(value)) << value.Type();
   }
   for (const Variant& value : {Variant::Null(), Variant::Missing(), kBytes, Variant::Nothing()}) {

@@ -59,8 +59,9 @@ TEST(Dates, RaiseOutsideTheDateRange) {
       {6,  [] { DateSerial(9999, 13, 1); }},
       {6,  [] { DateSerial(2010, 40000, 1); }},  // an argument beyond an Integer
       {6,  [] { DateSerial(2010, 1, -40000); }},
+      {6,  [] { DateSerial(-1, 1, 1); }},
       {6,  [] { ToCivil(2958466); }},
-      {6,  [] { Year(-657435); }},
+      {6,  [] { ToCivil(-657435); }},
       {5,  [] { Weekday(0, static_cast<FirstDayOfWeek>(8)); }},
       {5,  [] { DateAdd(DateInterval::kYear, -1, DateSerial(100, 6, 1)); }},
       {5,  [] { DateAdd(DateInterval::kMonth, 1, DateSerial(9999, 12, 1)); }},
@@ -144,6 +145,7 @@ TEST(FormatDate, WritesPatternTokens) {
       {morning,                 "mmmm dddd ddd q y w ww",     "March Tuesday Tue 1 61 3 10"},
       {morning,                 "ddddd dddddd",               "3/2/2010 Tuesday, March 2, 2010"},
       {morning,                 "ttttt c",                    "9:07:00 AM 3/2/2010 9:07:00 AM"},
+      {DateSerial(2010, 1, 2),  "ww",                         "1"},
       {DateSerial(2010, 1, 3),  "ww",                         "2"},  // weeks start on Sunday
   };
   // clang-format on
@@ -154,7 +156,6 @@ TEST(Format, ReadsTextAsADateThenAsADayNumberThenLeavesIt) {
   // clang-format off
   struct Case { Variant value; const char *pattern, *expected; };
   const Case cases[] = {
-      {Variant(Date{kMarch2nd2010}),  "dd-MMM-yyyy", "02-Mar-2010"},
       {Variant(40239),                "YYYYMM",      "201003"},
       {Variant("3/2/2010"),           "dd-MMM-yyyy", "02-Mar-2010"},
       {Variant(" 40239.5 "),          "dd hh",       "02 12"},

@@ -52,10 +52,13 @@ TEST(Compare, FollowsThePlatformRulesForVariantOperands) {
       {Variant(""),                  Variant(),                   kEqual},  // Empty is "" for text
       {Variant("0"),                 Variant(),                   kGreater},
       {Variant(0),                   Variant(),                   kEqual},  // and 0 for numbers
+      {Variant(),                    Variant(),                   kEqual},
+      {Variant(),                    Variant(1.5),                kLess},
       {Variant::Null(),              Variant(1),                  kNull},
       {Variant::Missing(),           Variant::Null(),             kNull},
       {Variant::Missing(),           Variant::Missing(),          kEqual},
       {Variant(true),                Variant(-1),                 kEqual},
+      {Variant(false),               Variant(0.0),                kEqual},
       {Variant(Date{2}),             Variant(std::int16_t{2}),    kEqual},
       {Variant(std::uint8_t{255}),   Variant(std::int16_t{255}),  kEqual},
       {Variant("B"),                 Variant("a"),                kLess},  // by UTF-16 code units
@@ -64,6 +67,7 @@ TEST(Compare, FollowsThePlatformRulesForVariantOperands) {
       {Variant(0.1),                 Variant(0.1f),               kEqual},
       {Variant(16777217),            Variant(16777216.0f),        kGreater},  // but not a Long
       {Variant(Currency{1000}),      Variant(0.10000001),         kEqual},
+      {Variant(0.10000001),          Variant(Currency{1000}),     kEqual},
       {ObjectWith(Variant("a")),     ObjectWith(Variant("b")),    kLess},
   };
   // clang-format on
