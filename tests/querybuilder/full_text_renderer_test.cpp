@@ -48,20 +48,6 @@ std::string Render(const std::vector<FieldRow>& fields, std::int16_t near = 33,
   return query->ReturnDTConditions(near);
 }
 
-TEST(FullTextRenderer, ClauseTextOfEveryClause) {
-  // R range, E one operand, W words, X not searchable (empties the field), N no text.
-  const std::string kinds = "NREEXXXXXXXXXXRRRXRXXRRRREWEREEXXN";
-  for (int clause = 0; clause <= 33; ++clause) {
-    auto op = static_cast<qbe_ClauseOperator>(clause);
-    std::string expected = kinds[clause] == 'R'   ? "((Emitent contains (x~~y)))"
-                           : kinds[clause] == 'E' ? "((Emitent contains (x)))"
-                           : kinds[clause] == 'W' ? "((Emitent contains (x*)))"
-                           : kinds[clause] == 'X' ? "()"
-                                                  : "((Emitent)";
-    EXPECT_EQ(Render({Emitent({{op, V("x"), V("y")}})}), expected) << clause;
-  }
-}
-
 TEST(FullTextRenderer, Requests) {
   const ConditionRow x = Eq(V("x")), five = Eq(V(5)), greater{qbe_ClauseGreaterThan};
   const ConditionRow param{qbe_ClauseEqualTo, V("p"), V(""), "P"};

@@ -44,58 +44,6 @@ std::string RenderOne(qbe_DataType type, qbe_ClauseOperator kind, V value, V sec
   return Render({{"T", {{"F", type, {{kind, value, secondary}}}}}});
 }
 
-TEST(WhereRenderer, EveryKindOnTextAndNumberFields) {
-  ScopedClock clock(kClock);
-  const std::string range = "(F BETWEEN '7' AND '9')", bare_range = "(F BETWEEN 7 AND 9)";
-  // kind, text on String and Memo fields, text on Numeric, Boolean, Decimal and BLOB fields
-  // clang-format off
-  const std::vector<std::tuple<int, std::string, std::string>> rows = {
-      {1,  range,                           bare_range},
-      {2,  "(F LIKE '%7%')",                "(F LIKE %7%)"},
-      {3,  "(F = '7')",                     "(F = 7)"},
-      {4,  "(F >= '7')",                    "(F >= 7)"},
-      {5,  "(F > '7')",                     "(F > 7)"},
-      {6,  "(F = '' OR F IS NULL )",        "(F IS NULL )"},
-      {7,  "(F IS NULL)",                   "(F IS NULL)"},
-      {8,  "(F <= '7')",                    "(F <= 7)"},
-      {9,  "(F < '7')",                     "(F < 7)"},
-      {10, "(F NOT LIKE '%7%')",            "(F NOT LIKE %7%)"},
-      {11, "(F <> '7')",                    "(F <> 7)"},
-      {12, "(F NOT LIKE '7%')",             "(F NOT LIKE 7%)"},
-      {13, "(F LIKE '7%')",                 "(F LIKE 7%)"},
-      {14, "(F = '7')",                     "(F = 7)"},
-      {15, range,                           bare_range},
-      {16, range,                           bare_range},
-      {17, "(F IN 7)",                      "(F IN 7)"},
-      {18, range,                           bare_range},
-      {19, "(F NOT IN 7)",                  "(F NOT IN 7)"},
-      {20, "(F <> '' OR F IS NOT NULL )",   "(F IS NOT NULL )"},
-      {21, range,                           bare_range},
-      {22, range,                           bare_range},
-      {23, range,                           bare_range},
-      {24, range,                           bare_range},
-      {25, "",                              ""},
-      {26, "",                              ""},
-      {27, "",                              ""},
-      {28, range,                           bare_range},
-      {29, "(F = '7')",                     "(F = 7)"},
-      {30, "(F = '14:30')",                 "(F = 14:30)"},
-      {31, "(F >= '14:30')",                "(F >= 14:30)"},
-      {32, "(F <= '14:30')",                "(F <= 14:30)"},
-      {0,  "(F)",                           "(F)"},
-      {33, "(F)",                           "(F)"},
-      {-1, "(F)",                           "(F)"},
-  };
-  // clang-format on
-  for (const auto& [kind, quoted, bare] : rows) {
-    for (auto type : {S, qbe_DataMemo, N, qbe_DataBoolean, qbe_DataDecimal, qbe_DataBLOB}) {
-      EXPECT_EQ(RenderOne(type, K(kind), V("7"), V("9")),
-                type == S || type == qbe_DataMemo ? quoted : bare)
-          << type << " " << kind;
-    }
-  }
-}
-
 TEST(WhereRenderer, ValueTexts) {
   ScopedClock clock(kClock);
   const V s("x"), none("");

@@ -131,11 +131,11 @@ TEST(XqbQuery, CreationValuesAndConditionWalks) {
   EXPECT_EQ(xqb_Query::Create()->Today(), 45123);
   auto query = SampleQuery();
   EXPECT_EQ(query->GetVersion(), "4.0.12");
-  std::string table = "kept", field = "kept too";
-  query->TableFieldFromCondition(99, table, field);
-  EXPECT_EQ(table + "|" + field, "kept|kept too");
-  query->TableFieldFromCondition(2, table, field);
-  EXPECT_EQ(table + "|" + field, "Orders|[Order Date]");
+  std::string table_name = "kept", field_name = "kept too";
+  query->TableFieldFromCondition(99, table_name, field_name);
+  EXPECT_EQ(table_name + "|" + field_name, "kept|kept too");
+  query->TableFieldFromCondition(2, table_name, field_name);
+  EXPECT_EQ(table_name + "|" + field_name, "Orders|[Order Date]");
 
   const V all = query->ReturnAllClauses();
   const VariantArray& rows = all.AsVariantArray();
@@ -150,7 +150,14 @@ TEST(XqbQuery, CreationValuesAndConditionWalks) {
   EXPECT_FALSE(query->FieldExists("Order Date") || query->FieldExists("price"));
   query->DeleteAllConditions();
   EXPECT_EQ(query->ReturnConditionsCount(), 0);
+  // Children set to nothing raise 91 when read.
+  auto table = query->Tables()->Item(V(1));
+  auto date = table->Fields()->Item(V(2));
+  date->SetConditions(nullptr);
+  table->SetFields(nullptr);
   query->SetTables(nullptr);
+  EXPECT_TRUE(RaisesRuntimeError([&] { date->Conditions(); }, kErrObjectVariableNotSet));
+  EXPECT_TRUE(RaisesRuntimeError([&] { table->Fields(); }, kErrObjectVariableNotSet));
   EXPECT_TRUE(RaisesRuntimeError([&] { query->Tables(); }, kErrObjectVariableNotSet));
 }
 
