@@ -27,10 +27,7 @@ TEST(Utf16, RoundTripsReplacesInvalidInputAndOrdersByCodeUnits) {
   const std::string text = "Ștefan €\U0001F600";
   EXPECT_EQ(ToUtf16(text), u"Ștefan €\xD83D\xDE00");
   EXPECT_EQ(ToUtf8(ToUtf16(text)), text);
-  EXPECT_EQ(ToUtf16("a\xFF"
-                    "b"),
-            u"a\uFFFD"
-            "b");
+  EXPECT_EQ(ToUtf16("a\xFFz"), u"a\uFFFDz");
   EXPECT_EQ(ToUtf16("\xE2\x82"), u"\uFFFD");        // cut short
   EXPECT_EQ(ToUtf16("\xC0\xAF"), u"\uFFFD\uFFFD");  // overlong
   EXPECT_EQ(ToUtf8(u"x\xD800y"), "x\xEF\xBF\xBDy");
