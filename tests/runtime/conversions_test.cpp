@@ -21,7 +21,7 @@ using test_support::ObjectWith;
 using test_support::RaisesRuntimeError;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-const Variant kBytes(ByteArray{1, 2});
+Variant Bytes() { return Variant(ByteArray{1, 2}); }
 
 // Texts grouped by what they read as; no value means "not a number" or "not a date".
 struct TextCase {
@@ -59,22 +59,23 @@ TEST(ParseNumber, ReadsThePlatformNumberSyntax) {
 
 TEST(ParseDate, ReadsTheEnUsFormsWithTheClocksYearAsDefault) {
   ScopedClock clock(DateSerial(2024, 6, 15) + 0.5);
+  const double march2nd = DateSerial(2010, 3, 2);
   // clang-format off
   const TextCase cases[] = {
-      {40239,                    {"3/2/2010", " 03/02/2010 ", "3-2-2010", "3.2.2010", "3 2 2010",
+      {march2nd,                 {"3/2/2010", " 03/02/2010 ", "3-2-2010", "3.2.2010", "3 2 2010",
                                   "2010-03-02"}},
-      {40242,                    {"05-Mar-2010", "5-MAR-10", "March 5, 2010", "Mar. 5, 2010",
+      {DateSerial(2010, 3, 5),   {"05-Mar-2010", "5-MAR-10", "March 5, 2010", "Mar. 5, 2010",
                                   "Marc 5, 2010", "2010 Mar 5"}},
-      {40238,                    {"Mar 2010", "3/2010", "2010/3"}},
+      {DateSerial(2010, 3, 1),   {"Mar 2010", "3/2010", "2010/3"}},
       {DateSerial(2010, 5, 13),  {"13/5/2010"}},
       {DateSerial(2029, 3, 2),   {"3/2/29"}},
       {DateSerial(1930, 3, 2),   {"3/2/30"}},
       {DateSerial(2024, 3, 5),   {"Mar 5"}},
       {DateSerial(2024, 1, 2),   {"1-2"}},
       {DateSerial(2024, 5, 13),  {"13/5"}},
-      {40239 + 9.5 / 24,         {"3/2/2010 9:30 AM"}},
-      {40239 + 21.5 / 24,        {"9:30 pm 3/2/2010", "3/2/2010 21:30"}},
-      {40239 + 52205 / 86400.0,  {"2010-03-02 14:30:05"}},
+      {march2nd + 9.5 / 24,      {"3/2/2010 9:30 AM"}},
+      {march2nd + 21.5 / 24,     {"9:30 pm 3/2/2010", "3/2/2010 21:30"}},
+      {march2nd + 52205.0 / 86400, {"2010-03-02 14:30:05"}},
       {9.5 / 24,                 {"9:30"}},
       {0,                        {"12:00 AM"}},
       {12.5 / 24,                {"12:30 PM"}},
@@ -105,7 +106,7 @@ TEST(CStr, WritesTheStringFormOfEachKind) {
   // clang-format off
   struct Case { Variant value; const char* expected; };
   const Case cases[] = {
-      {Variant(),                                "" },
+      {Variant(),                                ""},
       {Variant(true),                            "True"},
       {Variant(false),                           "False"},
       {Variant(1e15),                            "1E+15"},
@@ -186,10 +187,10 @@ TEST(Conversions, RaiseOverflowTypeMismatchAndTheErrorsOfNullAndObjects) {
       {Call<CDbl>,  6,  {Variant("-1e400")}},
       {Call<CCur>,  6,  {Variant(1e15)}},
       {Call<CDate>, 6,  {Variant(2958466.0), Variant(-657435.0)}},
-      {Call<CLng>,  13, {Variant(""), Variant("3/2/2010"), Variant::Missing(), kBytes}},
+      {Call<CLng>,  13, {Variant(""), Variant("3/2/2010"), Variant::Missing(), Bytes()}},
       {Call<CBool>, 13, {Variant("yes"), Variant(""), Variant(" True "), Variant("#true#")}},
       {Call<CDate>, 13, {Variant("40238"), Variant::Missing()}},
-      {Call<CStr>,  13, {kBytes}},
+      {Call<CStr>,  13, {Bytes()}},
   };
   const Conversion all[] = {Call<CStr>, Call<CInt>, Call<CLng>, Call<CByte>, Call<CBool>,
                             Call<CDbl>, Call<CSng>, Call<CCur>, Call<CDate>};
@@ -213,7 +214,7 @@ TEST(IsNumericAndIsDate, ClassifyKinds) {
         Variant(std::uint8_t{1}), Variant(true), Variant()}) {
     EXPECT_TRUE(IsNumeric(value) && !IsDate(value)) << value.Type();
   }
-  for (const Variant& value : {Variant::Null(), Variant::Missing(), kBytes, Variant::Nothing()}) {
+  for (const Variant& value : {Variant::Null(), Variant::Missing(), Bytes(), Variant::Nothing()}) {
     EXPECT_FALSE(IsNumeric(value) || IsDate(value)) << value.Type();
   }
   EXPECT_TRUE(IsDate(Variant(Date{1})) && !IsNumeric(Variant(Date{1})));
