@@ -85,11 +85,11 @@ struct ChildKey {
   bool operator==(const ChildKey&) const = default;
 };
 
+// Siblings grouped by "name" attribute mostly share their element name, so the attribute alone
+// spreads them.
 struct ChildKeyHash {
   std::size_t operator()(const ChildKey& key) const {
-    const std::size_t name = std::hash<std::string_view>{}(key.name);
-    if (!key.has_name_attribute) return name;
-    return name ^ (std::hash<std::string_view>{}(key.name_attribute) * 31 + 1);
+    return std::hash<std::string_view>{}(key.has_name_attribute ? key.name_attribute : key.name);
   }
 };
 
@@ -140,12 +140,16 @@ class StepMatcher : public pugi::xml_tree_walker {
 }  // namespace
 
 struct PathIndex::Selection {
+  using Groups = std::unordered_map<ChildKey, std::unique_ptr<Selection>, ChildKeyHash>;
+
   std::vector<pugi::xml_node> nodes;  // in document order, never empty
   std::size_t steps = 1;              // of the path that selects these nodes
   bool may_nest = false;              // some node may lie inside another
   bool grouped_by_name = false;
   bool grouped_by_name_attribute = false;
-  std::unordered_map<ChildKey, std::unique_ptr<Selection>, ChildKeyHash> children;
+  // The groups of children, made on the first step from this selection: most selections are
+  // the last step of their path.
+  std::unique_ptr<Groups> children;
 };
 
 bool EqualsCString(std::string_view view, const char* text) {
@@ -202,9 +206,7 @@ PathIndex::PathIndex(const pugi::xml_document& document)
 
 PathIndex::~PathIndex() = default;
 
-// Every selection handed out lives in `first_steps_`, so an empty index has nothing to drop.
-void PathIndex::Clear() {
-  if (first_steps_.empty()) return;
+void PathIndex::DropSelections() {
   generation_ = NextGeneration();
   first_steps_.clear();
   document_order_.clear();
@@ -252,17 +254,18 @@ PathIndex::Selection* PathIndex::NextStep(Selection& selection, const PathStep& 
   if (!(by_name_attribute ? selection.grouped_by_name_attribute : selection.grouped_by_name)) {
     GroupChildren(selection, by_name_attribute);
   }
-  auto found = selection.children.find(KeyOf(step));
-  return found == selection.children.end() ? nullptr : found->second.get();
+  auto found = selection.children->find(KeyOf(step));
+  return found == selection.children->end() ? nullptr : found->second.get();
 }
 
 // Children of elements that do not nest come out in document order when taken parent by parent;
 // when parents nest, the groups are sorted. Children are grouped by name, or by name and "name"
 // attribute, as steps ask for them: a step with a name test never needs the groups by name.
 void PathIndex::GroupChildren(Selection& selection, bool by_name_attribute) {
+  if (!selection.children) selection.children = std::make_unique<Selection::Groups>();
   std::vector<Selection*> added;
   auto add = [&](const ChildKey& key, pugi::xml_node child) {
-    std::unique_ptr<Selection>& group = selection.children[key];
+    std::unique_ptr<Selection>& group = (*selection.children)[key];
     if (!group) {
       group = std::make_unique<Selection>();
       group->steps = selection.steps + 1;

@@ -73,9 +73,14 @@ class PathIndex {
   /// Unique across documents; changes when the index is cleared.
   std::uint64_t Generation() const { return generation_; }
 
-  void Clear();
+  /// Drops every selection. Every selection handed out lives in the index, so an empty index
+  /// has nothing to drop and clearing it costs nothing.
+  void Clear() {
+    if (!first_steps_.empty()) DropSelections();
+  }
 
  private:
+  void DropSelections();
   Selection* FirstStep(const PathStep& step);
   Selection* NextStep(Selection& selection, const PathStep& step);
   void GroupChildren(Selection& selection, bool by_name_attribute);
