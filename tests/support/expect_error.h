@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "runtime/error.h"
@@ -34,6 +35,17 @@ template <class Action>
 template <class Action>
 ::testing::AssertionResult RaisesRuntimeError(Action&& action, std::int32_t number) {
   return RaisesError(action, number, kLibraryName, StandardMessage(number));
+}
+
+/// What `action` returns, or the `brix::Error` it raised as "<number> <source>: <description>":
+/// for tables whose rows end either in a result or in an error.
+template <class Action>
+std::string Outcome(Action&& action) {
+  try {
+    return action();
+  } catch (const Error& error) {
+    return std::to_string(error.Number()) + " " + error.Source() + ": " + error.Description();
+  }
 }
 
 }  // namespace brix::test_support
