@@ -1,4 +1,4 @@
-// Condition sentences: every phrase, operand texts per type, month names and the prefixes.
+// Condition sentences: operand texts per type, month names and the prefixes.
 #include "querybuilder/condition_describer.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The dtSearch request: clause texts, joiners, carried operand texts and day-number bounds.
+// The dtSearch request: joiners, carried operand texts, near distance and day-number bounds.
 #include "querybuilder/full_text_renderer.h"
 
 #include <gtest/gtest.h>

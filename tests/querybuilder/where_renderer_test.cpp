@@ -1,4 +1,4 @@
-// WHERE text: clause texts by kind and type, day-number ranges, delimiters, joins and narrowing.
+// WHERE text: value texts by type, day-number ranges, delimiters, joins and narrowing.
 #include "querybuilder/where_renderer.h"
 
 #include <gtest/gtest.h>
