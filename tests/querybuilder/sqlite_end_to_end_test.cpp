@@ -4,6 +4,8 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "querybuilder/xqb_query.h"
@@ -68,16 +70,9 @@ TEST_F(SqliteEndToEnd, EveryClauseKindSelectsItsRows) {
   ScopedClock clock(40240 + 14.5 / 24);  // 14:30
   const V none("");
   constexpr auto S = qbe_DataString, M = qbe_DataMemo;
-  struct Case {
-    const char* field;
-    qbe_DataType type;
-    qbe_ClauseOperator kind;
-    V value;
-    V secondary;
-    Texts ids;
-  };
   // clang-format off
-  const std::vector<Case> cases = {
+  // the field with the condition, its type, the condition, the IDs of the rows selected
+  const std::vector<std::tuple<const char*, qbe_DataType, qbe_ClauseOperator, V, V, Texts>> cases = {
       {"Name",         S, qbe_ClauseBetween,             V("A"),       V("B"),   {"1", "4"}},
       {"Name",         S, qbe_ClauseContains,            V("an"),      none,     {"1", "3", "4"}},
       {"Name",         S, qbe_ClauseEqualTo,             V("O'Brien"), none,     {"2"}},
@@ -117,14 +112,14 @@ TEST_F(SqliteEndToEnd, EveryClauseKindSelectsItsRows) {
       {"Credit Limit", N, qbe_ClauseNotIsEmpty,          none,         none,     {"1", "2", "4"}},
   };
   // clang-format on
-  for (const Case& c : cases) {
+  for (const auto& [field, type, kind, value, secondary, ids] : cases) {
     // Customers.ID selected and sorted; another field with the condition only filters.
     FieldRow id{.name = "ID", .type = N, .sort = qbe_SortAscending, .sort_level = 1};
-    std::vector<FieldRow> fields = {id, {.name = c.field, .type = c.type, .in_statement = false}};
-    if (c.field == std::string_view("ID")) fields.pop_back();
-    fields.back().conditions = {{c.kind, c.value, c.secondary}};
+    std::vector<FieldRow> fields = {id, {.name = field, .type = type, .in_statement = false}};
+    if (field == std::string_view("ID")) fields.pop_back();
+    fields.back().conditions = {{kind, value, secondary}};
     auto query = BuildQuery({{"Customers", fields}});
-    EXPECT_EQ(Rows(query->ReturnSQL()), c.ids) << "kind " << c.kind << ": " << query->ReturnSQL();
+    EXPECT_EQ(Rows(query->ReturnSQL()), ids) << "kind " << kind << ": " << query->ReturnSQL();
   }
 }
 
