@@ -22,19 +22,15 @@ using Ints = std::vector<std::int32_t>;
 using Flags = std::vector<bool>;
 using Texts = std::vector<std::string>;
 
-std::shared_ptr<xqb_Query> Load(std::string_view text) {
-  auto query = xqb_Query::Create();
-  query->LoadXMLDef(text);
-  return query;
-}
-
 TEST(QueryDefinitionDocument, GoldenDocumentLoadsEveryPropertyAndSavesBackIdentically) {
   std::ifstream in(std::string(BRIX_TEST_DATA_DIR) + "/query_definition.xml", std::ios::binary);
   const std::string golden{std::istreambuf_iterator<char>(in), {}};
-  auto q = Load(golden);
+  auto q = xqb_Query::Create();
+  q->LoadXMLDef(golden);
   auto t = q->Tables()->Item(Variant(1));
   auto f = t->Fields()->Item(Variant("[unit price]"));
   auto c = f->Conditions()->Item(Variant("4711"));
+  auto null = f->Conditions()->Item(Variant(2));
   auto text =
       q->Tables()->Item(Variant(2))->Fields()->Item(Variant(1))->Conditions()->Item(Variant(1));
   // clang-format off
@@ -52,15 +48,14 @@ TEST(QueryDefinitionDocument, GoldenDocumentLoadsEveryPropertyAndSavesBackIdenti
   // Types are not restored: numbers come back as the text they were saved as.
   EXPECT_EQ((Texts{c->ParamName(), c->Value().AsString(), c->SecondaryValue().AsString(), c->Tag(), text->Value().AsString(), text->SecondaryValue().AsString()}),
             (Texts{"pPret", "12.5", "1E+15", "c1", "a<b & \"c\"", "O'Brien\nline"}));
-  EXPECT_EQ((Ints{c->ConditionID(), c->Clause(), c->WhereClauseLogic(), c->IsEditable()}), (Ints{4711, 1, 2, false}));
+  EXPECT_EQ((Ints{c->ConditionID(), c->Clause(), c->WhereClauseLogic(), c->IsEditable(), null->Value().IsNull(), null->SecondaryValue().IsEmpty()}),
+            (Ints{4711, 1, 2, false, true, true}));
   // clang-format on
-  EXPECT_TRUE(f->Conditions()->Item(Variant(2))->Value().IsNull());
-  EXPECT_TRUE(f->Conditions()->Item(Variant(2))->SecondaryValue().IsEmpty());
   EXPECT_EQ(q->SaveXMLDef(), golden);
 }
 
-// A random tree: tables, fields and conditions in random numbers, awkward text, 16- and 32-bit
-// numbers over their range, and condition values of every kind that a document holds. Exotic
+// A random tree: tables, fields and conditions in random numbers, and condition values of every
+// kind that a document holds, awkward text among them. Exotic
 // operands (byte arrays, Nothing) make the duplicate test raise, so they only appear in a field's
 // only condition.
 std::shared_ptr<xqb_Query> RandomQuery(unsigned seed) {
@@ -93,15 +88,11 @@ std::shared_ptr<xqb_Query> RandomQuery(unsigned seed) {
   };
   auto query = xqb_Query::Create();
   query->SetQueryName(std::string(1, static_cast<char>('a' + number(0, 25))) + "é");  // no quote
-  query->SetQueryDescription(text());
   for (int t = number(0, 3); t > 0; --t) {
     auto table = query->Tables()->Add("T" + std::to_string(t), text());
     for (int f = number(0, 4); f > 0; --f) {
       auto field = table->Fields()->Add("F" + std::to_string(f));
       field->SetShowAsType(static_cast<qbe_DataType>(number(2, 6)));
-      field->SetCaption(text());
-      field->SetGroupLevel(static_cast<std::int16_t>(number(-32768, 32767)));
-      field->SetLatime(number(-100000, 100000));
       const int conditions = number(0, 4);
       for (int c = 0; c < conditions; ++c) {
         auto condition = test_support::MakeCondition(
@@ -116,11 +107,19 @@ std::shared_ptr<xqb_Query> RandomQuery(unsigned seed) {
   return query;
 }
 
-TEST(QueryDefinitionDocument, SaveLoadSaveIsAFixedPointForRandomTrees) {
+TEST(QueryDefinitionDocument, SaveLoadSaveIsAFixedPointForRandomTreesThatHoldOnlyStringForms) {
   for (unsigned seed = 1; seed <= 200; ++seed) {
     const std::string saved = RandomQuery(seed)->SaveXMLDef();
-    EXPECT_EQ(Load(saved)->SaveXMLDef(), saved) << "seed " << seed;
+    auto loaded = xqb_Query::Create();
+    loaded->LoadXMLDef(saved);
+    EXPECT_EQ(loaded->SaveXMLDef(), saved) << "seed " << seed;
   }
+  auto query = xqb_Query::Create();
+  test_support::AddCondition(*query->Tables()->Add("T")->Fields()->Add("F"), 1, qbe_ClauseInList,
+                             Variant(VariantArray{{Variant(1)}, 0}));
+  EXPECT_TRUE(RaisesError([&] { query->SaveXMLDef(); }, kErrSaveXMLDef,
+                          "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]",
+                          "Couldn't save xml query definition!\r\nInvalid PropertyValue type."));
 }
 
 // The element of child `n` of kind `kind` ("Query", "Table" or "Field") holding `body`.
@@ -143,12 +142,9 @@ std::string FieldDocument(const std::string& body) {
 // The query's name and statement type, then per table its name and its fields' clause lists.
 std::string Summary(xqb_Query& query) {
   std::string text = query.QueryName() + " " + std::to_string(query.StatementType());
-  for (std::int32_t t = 1; t <= query.Tables()->Count(); ++t) {
-    auto table = query.Tables()->Item(Variant(t));
+  for (const auto& table : *query.Tables()) {
     text += " [" + table->DBName();
-    for (std::int32_t f = 1; f <= table->Fields()->Count(); ++f) {
-      text += " " + table->Fields()->Item(Variant(f))->AvailableClauses();
-    }
+    for (const auto& field : *table->Fields()) text += " " + field->AvailableClauses();
     text += "]";
   }
   return text;
@@ -193,15 +189,6 @@ TEST(QueryDefinitionDocument, LoadRulesAndWrappedFailures) {
               expected)
         << document;
   }
-}
-
-TEST(QueryDefinitionDocument, AValueWithoutAStringFormFailsTheSave) {
-  auto query = xqb_Query::Create();
-  test_support::AddCondition(*query->Tables()->Add("T")->Fields()->Add("F"), 1, qbe_ClauseInList,
-                             Variant(VariantArray{{Variant(1)}, 0}));
-  EXPECT_TRUE(RaisesError([&] { query->SaveXMLDef(); }, kErrSaveXMLDef,
-                          "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]",
-                          "Couldn't save xml query definition!\r\nInvalid PropertyValue type."));
 }
 
 }  // namespace

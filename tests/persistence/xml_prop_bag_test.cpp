@@ -25,27 +25,29 @@ class Scripted : public IXMLPropBag {
  public:
   using Script = std::function<void(XMLPropBag&)>;
   explicit Scripted(std::string type_name, Script write = {}, Script read = {})
-      : type_name_(std::move(type_name)), write_(std::move(write)), read_(std::move(read)) {}
-  std::string TypeName() const override { return type_name_; }
-  void WriteProperties(XMLPropBag& bag) override {
-    if (write_) write_(bag);
-  }
-  void ReadProperties(XMLPropBag& bag) override {
-    if (read_) read_(bag);
-  }
+      : type_name(std::move(type_name)), write(std::move(write)), read(std::move(read)) {}
+  std::string TypeName() const override { return type_name; }
+  void WriteProperties(XMLPropBag& bag) override { Run(write, bag); }
+  void ReadProperties(XMLPropBag& bag) override { Run(read, bag); }
+  static void Run(const Script& script, XMLPropBag& bag) { script ? script(bag) : void(); }
 
- private:
-  std::string type_name_;
-  Script write_;
-  Script read_;
+  std::string type_name;
+  Script write, read;
 };
 
 const std::string kBagError = " brixobjects4.kelpXMLPBag: ";
 const std::string kDomError = "-2147467259" + kBagError;
+// The document of an object of class Sample saved under the name S1, whose properties are a number
+// Count = 3, a string Note = a<b, an Empty value Extra, a byte array Data = 1, 2, 3 and an object
+// of class SampleChild that wrote Level = 2.
+const std::string kSample =
+    "<Sample name=\"S1\"><Count>3</Count><Note><![CDATA[a<b]]></Note><Extra vartype=\"empty\"/>"
+    "<Data xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" dt:dt=\"bin.base64\">AQID</Data>"
+    "<SampleChild name=\"Child\"><Level>2</Level></SampleChild></Sample>";
 const std::string kNotSet = "91 brixobjects4: Object variable or With block variable not set";
 
 /// A value as short text: "empty", "null", "nothing", "missing", 'text', a number, or "bytes"
-/// and the bytes in hexadecimal.
+/// and the bytes.
 std::string Describe(const Variant& value) {
   if (value.IsEmpty()) return "empty";
   if (value.IsNull()) return "null";
@@ -53,12 +55,7 @@ std::string Describe(const Variant& value) {
   if (value.IsMissing()) return "missing";
   if (value.IsString()) return "'" + value.AsString() + "'";
   if (!value.IsByteArray()) return CStr(value);
-  std::string text = "bytes ";
-  for (const std::uint8_t byte : value.AsByteArray()) {
-    text += "0123456789ABCDEF"[byte / 16];
-    text += "0123456789ABCDEF"[byte % 16];
-  }
-  return text;
+  return "bytes " + std::string(value.AsByteArray().begin(), value.AsByteArray().end());
 }
 
 /// A bag's contents holding `elements` under "PropertyBag".
@@ -99,25 +96,6 @@ std::string ReadBack(const std::string& contents, std::string_view name = "P",
   });
 }
 
-TEST(XMLPropBag, SavesTheSampleTreeExactlyAsTheDomWritesIt) {
-  auto child = std::make_shared<Scripted>(
-      "SampleChild", [](XMLPropBag& b) { b.WriteProperty("Level", Variant(std::int16_t{2})); });
-  Scripted sample("Sample", [&](XMLPropBag& b) {
-    b.WriteProperty("Count", Variant(3));
-    b.WriteProperty("Note", Variant("a<b"));
-    b.WriteProperty("Extra", Variant());
-    b.WriteProperty("Data", Variant(ByteArray{1, 2, 3}));
-    b.WriteProperty("Child", Variant(child));
-  });
-  auto bag = XMLPropBag::Create();
-  bag->SaveState(&sample, "S1");
-  EXPECT_EQ(bag->Contents(),
-            "<PropertyBag><Sample name=\"S1\"><Count>3</Count><Note><![CDATA[a<b]]></Note>"
-            "<Extra vartype=\"empty\"/><Data xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" "
-            "dt:dt=\"bin.base64\">AQID</Data><SampleChild name=\"Child\"><Level>2</Level>"
-            "</SampleChild></Sample></PropertyBag>\r\n");
-}
-
 // Each kind of value is written in its form and read back. Text is written so that a parser gives
 // it back unchanged, also in an instance name (an attribute), and loading the written document and
 // writing it again gives the same text. A refused value adds nothing.
@@ -133,8 +111,6 @@ TEST(XMLPropBag, WritesEachKindOfValueAndTrickyTextAndReadsThemBackOrRefusesThem
       {Variant::Null(),                               "<P vartype=\"null\"/>",               "null"},
       {Variant::Nothing(),                            "<P vartype=\"nothing\"/>",            "nothing"},
       {Variant("12"),                                 "<P>12</P>",                           "'12'"},
-      {Variant(-7),                                   "<P>-7</P>",                           "'-7'"},
-      {Variant(2.5),                                  "<P>2.5</P>",                          "'2.5'"},
       {Variant(true),                                 "<P>True</P>",                         "'True'"},
       {Variant(Date{40239.5}),                        "<P>3/2/2010 12:00:00 PM</P>",         "'3/2/2010 12:00:00 PM'"},
       {Variant("1<2"),                                "<P><![CDATA[1<2]]></P>",              "'1<2'"},
@@ -144,7 +120,6 @@ TEST(XMLPropBag, WritesEachKindOfValueAndTrickyTextAndReadsThemBackOrRefusesThem
       {ObjectWith(Variant("<v>")),                    "<P><![CDATA[<v>]]></P>",              "'<v>'"},
       {Variant("a\nb"),                               "<P>a\r\nb</P>",                         "'a\nb'"},
       {Variant("a\r\nb"),                             "<P>a&#13;\r\nb</P>",                    "'a\r\nb'"},
-      {Variant("\r"),                                 "<P>&#13;</P>",                         "'\r'"},
       {Variant(" "),                                  "<P>&#32;</P>",                         "' '"},
       {Variant("\n\t "),                              "<P>&#10;\t </P>",                      "'\n\t '"},
       {Variant(" x "),                                "<P> x </P>",                           "' x '"},
@@ -152,17 +127,14 @@ TEST(XMLPropBag, WritesEachKindOfValueAndTrickyTextAndReadsThemBackOrRefusesThem
       {Variant("'a' \"q\""),                          "<P>'a' \"q\"</P>",                     "''a' \"q\"'"},
       {Variant("1<2\n"),                              "<P><![CDATA[1<2\r\n]]></P>",            "'1<2\n'"},
       {Variant("&amp;<"),                             "<P><![CDATA[&amp;<]]></P>",            "'&amp;<'"},
-      {Variant("<\r>"),                               "<P><![CDATA[<]]>&#13;<![CDATA[>]]></P>", "'<\r>'"},
       {Variant("x<y\x02>z\r"),                        "<P><![CDATA[x<y]]>&#2;<![CDATA[>z]]>&#13;</P>",                                    "'x<y\x02>z\r'"},
-      {Variant("]]>"),                                "<P><![CDATA[]]]]><![CDATA[>]]></P>",   "']]>'"},
       {Variant("a]]>b]]>"),                           "<P><![CDATA[a]]]]><![CDATA[>b]]]]><![CDATA[>]]></P>", "'a]]>b]]>'"},
       {Variant("]]]]>>"),                             "<P><![CDATA[]]]]]]><![CDATA[>>]]></P>",                                    "']]]]>>'"},
       {Variant("Țară, încă: șî ăâ ȘȚĂÎÂ 😀 𝄞 ∑"),      "<P>Țară, încă: șî ăâ ȘȚĂÎÂ 😀 𝄞 ∑</P>", "'Țară, încă: șî ăâ ȘȚĂÎÂ 😀 𝄞 ∑'"},
       {Variant(ByteArray{}),                          bytes + "/>",                          "bytes "},
-      {Variant(ByteArray{0, 255, 128}),               bytes + ">AP+A</P>",                   "bytes 00FF80"},
-      {Variant(ByteArray{0xFB, 0xFF}),                bytes + ">+/8=</P>",                   "bytes FBFF"},
-      {Variant(ByteArray(55, 0xFF)),                  bytes + ">" + line + "\r\n/w==</P>",   "bytes " + std::string(110, 'F')},
-      {Variant(ByteArray(108, 0xFF)),                 bytes + ">" + line + "\r\n" + line + "</P>", "bytes " + std::string(216, 'F')},
+      {Variant(ByteArray{0xFB, 0xFF}),                bytes + ">+/8=</P>",                   "bytes \xFB\xFF"},
+      {Variant(ByteArray(55, 0xFF)),                  bytes + ">" + line + "\r\n/w==</P>",   "bytes " + std::string(55, '\xFF')},
+      {Variant(ByteArray(108, 0xFF)),                 bytes + ">" + line + "\r\n" + line + "</P>", "bytes " + std::string(108, '\xFF')},
       {Variant(VariantArray{{Variant(1), Variant(2)}}), refused,                             ""},
       {Variant(ErrorValue{5}),                        refused,                               ""},
       {Variant::Missing(),                            refused,                               ""},
@@ -197,23 +169,20 @@ TEST(XMLPropBag, ReadsMarkersInAnyCaseTypedBytesTheFirstMatchOrTheDefault) {
       {"<P vartype=\"NoThing\"/>",                            "P",          none,       "nothing"},
       {"<P vartype=\"other\">t<![CDATA[<u>]]></P>",           "P",          none,       "'t<u>'"},
       {"<P vartype=\"empty\" q:dt=\"bin.base64\">AQID</P>",   "P",          none,       "empty"},
-      {"<P xmlns:b=\"urn:schemas-microsoft-com:datatypes\" b:dt=\"bin.base64\">\r\nA Q\r\n\tID\r\n</P>", "P", none, "bytes 010203"},
-      {"<P q:dt=\"bin.base64\">AQI</P>",                      "P",          none,       "bytes 0102"},
-      {"<P q:dt=\"bin.base64\">AQ= =\r\n</P>",                "P",          none,       "bytes 01"},
-      {"<P q:dt=\"bin.base64\"> </P>",                        "P",          none,       "bytes "},
+      {"<P xmlns:b=\"urn:schemas-microsoft-com:datatypes\" b:dt=\"bin.base64\">\r\nA Q\r\n\tID\r\n</P>", "P", none, "bytes \x01\x02\x03"},
+      {"<P q:dt=\"bin.base64\">AQI</P>",                      "P",          none,       "bytes \x01\x02"},
+      {"<P q:dt=\"bin.base64\">AQ= =\r\n</P>",                "P",          none,       "bytes \x01"},
       {"<P q:dt=\"bin.base64\">AQ*D</P>",                     "P",          none,       base64 + "the character 0x2A at position 3 is not allowed."},
       {"<P q:dt=\"bin.base64\">AQ\xC3\xA9</P>",               "P",          none,       base64 + "the character 0xC3 at position 3 is not allowed."},
       {"<P q:dt=\"bin.base64\">AQIDB</P>",                    "P",          none,       base64 + "the last group has a single character."},
       {"<P q:dt=\"bin.base64\">AQ==AQ</P>",                   "P",          none,       base64 + "data follows the padding at position 5."},
       {"<P q:dt=\"bin.base64\">AQ=</P>",                      "P",          none,       base64 + "the padding does not complete the last group."},
-      {"<P q:dt=\"bin.base64\">AQID====</P>",                 "P",          none,       base64 + "the padding does not complete the last group."},
       {"<P dt=\"bin.base64\"> AQID </P>",                     "P",          none,       "' AQID '"},
       {"<P xmlns:q=\"other\" q:dt=\"bin.base64\">AQID</P>",   "P",          none,       "'AQID'"},
       {"<P>  spaced\r\n  </P>",                               "P",          none,       "'  spaced\n  '"},
       {"<P>a<I>b</I>c</P>",                                   "P",          none,       "'abc'"},
       {"<P>first</P><P>second</P>",                           "P",          Variant(5), "'first'"},
       {"<P>first</P><P>second</P>",                           "P[2]",       none,       "'second'"},
-      {"<P>first</P><Q>second</Q>",                           "*[last()]",  none,       "'second'"},
       {"<P/>",                                                "Q",          none,       "missing"},
       {"<P/>",                                                "Q",          Variant(5), "5"},
       {"<P/>",                                                "P[",         none,       xpath + "P[\" is invalid: Unrecognized node test."},
@@ -221,23 +190,31 @@ TEST(XMLPropBag, ReadsMarkersInAnyCaseTypedBytesTheFirstMatchOrTheDefault) {
       {"<P/>",                                                "/",          none,       "13 brixobjects4: Type mismatch"},
   };
   // clang-format on
+  const std::string bag = "<PropertyBag xmlns:q=\"urn:schemas-microsoft-com:datatypes\"><Holder>";
   for (const auto& [elements, name, fallback, read] : cases) {
-    EXPECT_EQ(ReadBack("<PropertyBag xmlns:q=\"urn:schemas-microsoft-com:datatypes\"><Holder>" +
-                           elements + "</Holder></PropertyBag>",
-                       name, fallback),
-              read)
+    EXPECT_EQ(ReadBack(bag + elements + "</Holder></PropertyBag>", name, fallback), read)
         << elements << " " << name;
   }
 }
 
-TEST(XMLPropBag, SavesRestoresAndDeletesTheFirstMatchAndNeedsADocumentAndAPosition) {
+TEST(XMLPropBag,
+     SavesRestoresAndDeletesTheFirstMatchNeedsADocumentAndAPositionAndLoadsWhatTheDomLoads) {
   auto bag = XMLPropBag::Create();
   std::string read;  // what objects read during a step
   auto note = [&](const std::string& text) { read += (read.empty() ? "" : " ") + text; };
   int generation = 0;
   Scripted a(
-      "A", [&](XMLPropBag& b) { b.WriteProperty("G", Variant(generation++)); },
-      [&](XMLPropBag& b) { note(Describe(b.ReadProperty("G"))); });
+      "A", [&](XMLPropBag& b) { b.WriteProperty("ț.G-1", Variant(generation++)); },
+      [&](XMLPropBag& b) { note(Describe(b.ReadProperty("ț.G-1"))); });
+  auto child = std::make_shared<Scripted>(
+      "SampleChild", [](XMLPropBag& b) { b.WriteProperty("Level", Variant(std::int16_t{2})); });
+  Scripted sample("Sample", [&](XMLPropBag& b) {
+    b.WriteProperty("Count", Variant(3));
+    b.WriteProperty("Note", Variant("a<b"));
+    b.WriteProperty("Extra", Variant());
+    b.WriteProperty("Data", Variant(ByteArray{1, 2, 3}));
+    b.WriteProperty("Child", Variant(child));
+  });
   Scripted b_object("B"), c_object("C", {}, [&](XMLPropBag&) { note("C"); }), invalid("1x");
   Scripted self_deleting("A", [&](XMLPropBag& b) {
     b.WriteProperty("Before", Variant(1));
@@ -260,14 +237,23 @@ TEST(XMLPropBag, SavesRestoresAndDeletesTheFirstMatchAndNeedsADocumentAndAPositi
   const std::string nested =
       "<Q><T name=\"T2\"><V>first</V></T></Q>"
       "<Q><T name=\"T1\"><V>second root</V></T><T name=\"T1\"><V>later</V></T></Q>";
-  const std::string three = "<A><G>3</G></A><B/><A name=\"two\"><G>2</G></A>";
+  const std::string three = "<A><ț.G-1>3</ț.G-1></A><B/><A name=\"two\"><ț.G-1>2</ț.G-1></A>";
   const std::string indented =
       "\xEF\xBB\xBF<?xml version=\"1.0\"?>\r\n<!-- saved -->\r\n<PropertyBag>\r\n\t<A name=\"x\"/>"
       "\r\n\t<A name=\"y\"/>\r\n\t<A name=\"x\">\r\n\t\t<P/>\r\n\t</A>\r\n</PropertyBag>\r\n";
+  const auto doc = BagDocument;
   const std::string load = "-2147191004" + kBagError;
+  // The DOM's own parsing, printing and removal of nodes is recursive; the bag must not be. Every
+  // level matches "//PropertyBag", so the selection sees nested matches.
+  const std::string open = "<PropertyBag name=\"n\">", close = "</PropertyBag>";
+  std::string opens, closes;
+  for (int level = 1; level < 100000; ++level) opens += open, closes += close;
+  const std::string deep = "<PropertyBag>" + opens + open + closes + close + close;
+  const std::string deep_written = doc(opens + "<PropertyBag name=\"n\"/>" + closes);
+  Scripted deep_root("PropertyBag", {},
+                     [&](XMLPropBag& b) { note(Describe(b.ReadProperty("L", Variant(7)))); });
   pugi::xml_document foreign;
   foreign.load_string("<Foreign/>");
-  const auto doc = BagDocument;
   // clang-format off
   const std::vector<std::tuple<std::function<void()>, std::string, std::string>> steps = {  // step, read or raised, contents after
       {[&] { bag->SetDocument(&foreign); },                                   "",       ""},
@@ -275,12 +261,14 @@ TEST(XMLPropBag, SavesRestoresAndDeletesTheFirstMatchAndNeedsADocumentAndAPositi
       {[&] { bag->DeleteObject("A"); },                                       kNotSet,  ""},
       {[&] { bag->WriteProperty("P", Variant(1)); },                          kNotSet,  ""},
       {[&] { bag->SetContents("<PropertyBag/>"); bag->ReadProperty("P"); },   kNotSet,  doc("")},
-      {[&] { bag->SaveState(&a, "one"); bag->SaveState(&b_object); },         "",       doc("<A name=\"one\"><G>0</G></A><B/>")},
-      {[&] { bag->SaveState(&a, "one"); },                                    "",       doc("<A name=\"one\"><G>1</G></A><B/>")},
-      {[&] { bag->SaveState(&a, "two"); },                                    "",       doc("<A name=\"one\"><G>1</G></A><B/><A name=\"two\"><G>2</G></A>")},
+      {[&] { bag->SaveState(&sample, "S1"); },                                "",       doc(kSample)},
+      {[&] { bag->SetContents("<PropertyBag/>"); bag->SaveState(&a, "one"); bag->SaveState(&b_object); }, "", doc("<A name=\"one\"><ț.G-1>0</ț.G-1></A><B/>")},
+      {[&] { bag->SaveState(&a, "one"); },                                    "",       doc("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/>")},
+      {[&] { bag->SaveState(&a, "two"); },                                    "",       doc("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/><A name=\"two\"><ț.G-1>2</ț.G-1></A>")},
       {[&] { bag->SaveState(&a); },                                           "",       doc(three)},
       {[&] { bag->SetDocument(&foreign); bag->SaveState(nullptr); },          "",       doc(three)},
       {[&] { bag->WriteProperty("bad name", Variant(1)); },                   kDomError + "'bad name' is not a valid element name.", doc(three)},
+      {[&] { bag->WriteProperty("a:b", Variant(1)); },                        kDomError + "'a:b' is not a valid element name.", doc(three)},
       {[&] { bag->SaveState(&invalid); },                                     kDomError + "'1x' is not a valid element name.", doc(three)},
       {[&] { bag->RestoreState(&a, "one"); bag->RestoreState(&c_object); bag->RestoreState(nullptr); }, "", doc(three)},
       {[&] { bag->RestoreState(&a, "two"); bag->RestoreState(&a); },          "'2' '3'", doc(three)},
@@ -293,14 +281,14 @@ TEST(XMLPropBag, SavesRestoresAndDeletesTheFirstMatchAndNeedsADocumentAndAPositi
       {[&] { bag->SetContents(HolderDocument("<P>old</P>")); bag->RestoreState(&switching); }, "'old'", HolderDocument("<P>new</P>")},
       {[&] { bag->SetContents("<a/><b/>"); },                                 load + "Only one top level element is allowed in an XML document.", ""},
       {[&] { bag->SetContents(""); },                                         load + "XML document must have a top level element.", ""},
-      {[&] { bag->SetContents(" \r\n"); },                                    load + "XML document must have a top level element.", ""},
       {[&] { bag->SetContents("x<a/>"); },                                    load + "Invalid at the top level of the document.", ""},
       {[&] { bag->SetContents("<a/><![CDATA[x]]>"); },                        load + "Invalid at the top level of the document.", ""},
       {[&] { bag->SetContents("<a><b n=\"1\" m=\"2\" n=\"3\"/></a>"); },       load + "Duplicate attribute 'n'.", ""},
       {[&] { bag->SetContents(std::string("<a>\0</a>", 8)); },                load + "An Invalid character was found in text content at line 1, column 4.", ""},
       {[&] { bag->SetContents("<a>\r\n<b>\r\n</a>"); },                       load + "Start-end tags mismatch at line 3, column 3.", ""},
-      {[&] { bag->SetContents("<a"); },                                       load + "Error parsing start element tag at line 1, column 2.", ""},
-      {[&] { bag->SetContents("<1a/>"); },                                    load + "Could not determine tag type at line 1, column 2.", ""},
+      {[&] { bag->SetContents(deep); },                                       "",       deep_written},
+      {[&] { bag->RestoreState(&deep_root, "n"); },                           "7",      deep_written},
+      {[&] { bag->DeleteObject("PropertyBag", "n"); },                        "",       doc("")},
       {[&] { bag->SetContents("<Other/>"); bag->SaveState(&a); },             kDomError + "Only one top level element is allowed in an XML document.", "<Other/>\r\n"},
   };
   // clang-format on
@@ -310,29 +298,6 @@ TEST(XMLPropBag, SavesRestoresAndDeletesTheFirstMatchAndNeedsADocumentAndAPositi
     EXPECT_EQ(Outcome([&] { return std::get<0>(steps[step])(), read; }), std::get<1>(steps[step]));
     EXPECT_EQ(bag->Contents(), std::get<2>(steps[step]));
   }
-}
-
-// The DOM's own parsing, printing and removal of nodes is recursive; the bag must not be.
-TEST(XMLPropBag, HandlesDocumentsNestedAHundredThousandLevelsDeep) {
-  constexpr int kDepth = 100000;
-  auto repeat = [](const std::string& text, int times) {
-    std::string out;
-    for (int i = 0; i < times; ++i) out += text;
-    return out;
-  };
-  const std::string open = "<PropertyBag name=\"n\">", close = "</PropertyBag>";
-  auto bag = XMLPropBag::Create();
-  bag->SetContents("<PropertyBag>" + repeat(open, kDepth) + repeat(close, kDepth + 1));
-  EXPECT_EQ(bag->Contents(), "<PropertyBag>" + repeat(open, kDepth - 1) +
-                                 "<PropertyBag name=\"n\"/>" + repeat(close, kDepth) + "\r\n");
-  // Every level matches "//PropertyBag", so the selection sees nested matches.
-  int reads = 0;
-  Scripted root("PropertyBag", {},
-                [&](XMLPropBag& b) { reads += Describe(b.ReadProperty("L", Variant(7))) == "7"; });
-  bag->RestoreState(&root, "n");
-  EXPECT_EQ(reads, 1);
-  bag->DeleteObject("PropertyBag", "n");
-  EXPECT_EQ(bag->Contents(), "<PropertyBag/>\r\n");
 }
 
 }  // namespace
