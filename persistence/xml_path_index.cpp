@@ -65,6 +65,16 @@ std::optional<std::string_view> TakeNamePredicate(std::string_view& rest) {
 // also bounds the depth of the selection tree.
 constexpr std::size_t kMaxIndexedSteps = 1000;
 
+/// True when the NUL-terminated `text` (a name or value kept by the DOM) equals `view`; `text`
+/// is read only as far as it matches, without measuring it first.
+bool EqualsCString(std::string_view view, const char* text) {
+  for (const char c : view) {
+    if (*text == '\0' || *text != c) return false;
+    ++text;
+  }
+  return *text == '\0';
+}
+
 bool IsIndexable(const PathStep& step) {
   return IsXmlName(step.name) &&
          (!step.name_attribute || step.name_attribute->find('"') == std::string_view::npos);
@@ -151,14 +161,6 @@ struct PathIndex::Selection {
   // the last step of their path.
   std::unique_ptr<Groups> children;
 };
-
-bool EqualsCString(std::string_view view, const char* text) {
-  for (const char c : view) {
-    if (*text == '\0' || *text != c) return false;
-    ++text;
-  }
-  return *text == '\0';
-}
 
 bool IsXmlName(std::string_view name) {
   std::string_view rest = name;

@@ -17,10 +17,6 @@ namespace brix {
 /// digits, "_", "-" or "."; characters outside ASCII are accepted anywhere.
 bool IsXmlName(std::string_view name);
 
-/// True when the NUL-terminated `text` (a name or value kept by the DOM) equals `view`; `text`
-/// is read only as far as it matches.
-bool EqualsCString(std::string_view view, const char* text);
-
 /// One step of an indexable path: an element name, optionally with a test of its "name"
 /// attribute.
 struct PathStep {
