@@ -177,6 +177,7 @@ TEST(XMLPropBag, ReadsMarkersInAnyCaseTypedBytesTheFirstMatchOrTheDefault) {
       {"<P q:dt=\"bin.base64\">AQIDB</P>",                    "P",          none,       base64 + "the last group has a single character."},
       {"<P q:dt=\"bin.base64\">AQ==AQ</P>",                   "P",          none,       base64 + "data follows the padding at position 5."},
       {"<P q:dt=\"bin.base64\">AQ=</P>",                      "P",          none,       base64 + "the padding does not complete the last group."},
+      {"<P q:dt=\"bin.base64\">AQID====</P>",                 "P",          none,       base64 + "the padding does not complete the last group."},
       {"<P dt=\"bin.base64\"> AQID </P>",                     "P",          none,       "' AQID '"},
       {"<P xmlns:q=\"other\" q:dt=\"bin.base64\">AQID</P>",   "P",          none,       "'AQID'"},
       {"<P>  spaced\r\n  </P>",                               "P",          none,       "'  spaced\n  '"},
