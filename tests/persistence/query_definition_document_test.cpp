@@ -159,24 +159,24 @@ TEST(QueryDefinitionDocument, LoadRulesAndWrappedFailures) {
   // clang-format off
   const std::vector<std::pair<std::string, std::string>> cases = {  // document, summary or error
       // Missing elements give the values of a new object; a document without a query changes nothing.
-      {QueryDocument("<QueryName>Old</QueryName>"),                                             "Old 1"},
-      {"<PropertyBag><Other/></PropertyBag>",                                                   "Kept 3"},
+      {QueryDocument("<QueryName>Old</QueryName>"),            "Old 1"},
+      {"<PropertyBag><Other/></PropertyBag>",                  "Kept 3"},
       {"<PropertyBag>" + Child("Query", "<QueryName>A</QueryName>") + Child("Query", "<QueryName>B</QueryName>", 2) + "</PropertyBag>", "A 1"},
       // More tables counted than saved are added at their defaults; children come back in the
       // order of their numbers; names are normalised again.
-      {QueryDocument(two + Child("Table", "<DBName>A</DBName>")),                               " 1 [A] []"},
+      {QueryDocument(two + Child("Table", "<DBName>A</DBName>")), " 1 [A] []"},
       {QueryDocument(two + Child("Table", "<DBName>B</DBName>", 2) + Child("Table", "<DBName>A</DBName>")), " 1 [A] [B]"},
       {QueryDocument("<TablesCount>1</TablesCount>" + Child("Table", "<DBName>dbo. Order</DBName>")), " 1 [dbo.[ Order]]"},
       // A missing or empty clause list gives the defaults of the field's type.
-      {FieldDocument("<ShowAsType>5</ShowAsType>"),                                             " 1 [T |1|3|4|5|8|9|11|17|19|6|20|]"},
-      {FieldDocument("<ShowAsType>2</ShowAsType><AvailableClauses/>"),                          " 1 [T |3|]"},
-      {QueryDocument("<TablesCount>many</TablesCount>"),                                        load + "Type mismatch"},
-      {QueryDocument("<TablesCount>3000000000</TablesCount>"),                                  load + "Overflow"},
-      {QueryDocument("<DistinctRows>maybe</DistinctRows>"),                                     load + "Type mismatch"},
-      {FieldDocument("<OrderByLevel>40000</OrderByLevel>"),                                     load + "Overflow"},
-      {QueryDocument("<QueryName vartype=\"null\"/>"),                                          load + "Invalid use of Null"},
-      {QueryDocument("<TablesCount>2000000000</TablesCount>"),                                  load + "A table with this name already exists!"},
-      {"<PropertyBag><xqb_Query>",                                                              load + "Start-end tags mismatch at line 1, column 24."},
+      {FieldDocument("<ShowAsType>5</ShowAsType>"),            " 1 [T |1|3|4|5|8|9|11|17|19|6|20|]"},
+      {FieldDocument("<ShowAsType>2</ShowAsType><AvailableClauses/>"), " 1 [T |3|]"},
+      {QueryDocument("<TablesCount>many</TablesCount>"),       load + "Type mismatch"},
+      {QueryDocument("<TablesCount>3000000000</TablesCount>"), load + "Overflow"},
+      {QueryDocument("<DistinctRows>maybe</DistinctRows>"),    load + "Type mismatch"},
+      {FieldDocument("<OrderByLevel>40000</OrderByLevel>"),    load + "Overflow"},
+      {QueryDocument("<QueryName vartype=\"null\"/>"),         load + "Invalid use of Null"},
+      {QueryDocument("<TablesCount>2000000000</TablesCount>"), load + "A table with this name already exists!"},
+      {"<PropertyBag><xqb_Query>",                             load + "Start-end tags mismatch at line 1, column 24."},
       {QueryDocument("<TablesCount>1</TablesCount>" + Child("Table", "<FieldsCount>2</FieldsCount>" + Child("Field", "<DBName>F</DBName>") + Child("Field", "<DBName>F</DBName>", 2))),
                                                                                                 load + "A field with this name already exists in this table!"},
   };
