@@ -2,18 +2,29 @@
 #include "querybuilder/condition_index.h"
 
 #include <cmath>
+#include <array>
 #include <functional>
-#include <vector>
 
 #include "runtime/text.h"
 
 namespace brix {
 
-std::size_t ConditionIndex::KeyHash::operator()(const Key& key) const {
-  auto operand_hash = [](const Operand& operand) {
+namespace {
+
+bool IsAscii(std::string_view text) {
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) >= 0x80) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::size_t ConditionIndex::KeyHash::operator()(const KeyView& key) const {
+  auto operand_hash = [](const OperandView& operand) {
     std::size_t h = std::hash<int>()(static_cast<int>(operand.kind));
     h = h * 31 + std::hash<double>()(operand.number);
-    return h * 31 + std::hash<std::string>()(operand.text);
+    return h * 31 + std::hash<std::string_view>()(operand.text);
   };
   std::size_t h = std::hash<std::int32_t>()(key.clause);
   h = h * 1000003 + operand_hash(key.value);
@@ -24,9 +35,11 @@ std::optional<ConditionIndex::Operand> ConditionIndex::Canonical(const Variant& 
   switch (value.Type()) {
     case vbEmpty:
       return Operand{};
-    case vbString:
+    case vbString: {
       // Texts compare by their UTF-16 code units, so malformed UTF-8 that decodes alike is alike.
-      return Operand{Kind::kText, 0, ToUtf8(ToUtf16(value.AsString()))};
+      const std::string& text = value.AsString();
+      return Operand{Kind::kText, 0, IsAscii(text) ? text : ToUtf8(ToUtf16(text))};
+    }
     case vbInteger:
     case vbLong:
     case vbDouble:
@@ -78,20 +91,18 @@ std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
   std::optional<Operand> given = Canonical(value);
   if (!given) return std::nullopt;
   // Empty equals both "" and 0, while "" and 0 differ: list every stored form equal to `value`.
-  std::vector<Operand> equal_forms{*given};
-  bool is_zero_like = (given->kind == Kind::kText && given->text.empty()) ||
-                      (given->kind == Kind::kNumber && given->number == 0);
-  if (is_zero_like) equal_forms.push_back(Operand{});
+  std::array<OperandView, 3> equal_forms{given->View()};
+  std::size_t form_count = 1;
+  const bool is_zero_like = (given->kind == Kind::kText && given->text.empty()) ||
+                            (given->kind == Kind::kNumber && given->number == 0);
+  if (is_zero_like) equal_forms[form_count++] = OperandView{};
   if (given->kind == Kind::kEmpty) {
-    equal_forms.push_back(Operand{Kind::kText, 0, {}});
-    equal_forms.push_back(Operand{Kind::kNumber, 0, {}});
+    equal_forms[form_count++] = OperandView{Kind::kText, 0, {}};
+    equal_forms[form_count++] = OperandView{Kind::kNumber, 0, {}};
   }
-  Key key{clause, {}, {}};
-  for (const Operand& stored_value : equal_forms) {
-    for (const Operand& stored_secondary : equal_forms) {
-      key.value = stored_value;
-      key.secondary = stored_secondary;
-      if (counts_.contains(key)) return true;
+  for (std::size_t v = 0; v < form_count; ++v) {
+    for (std::size_t s = 0; s < form_count; ++s) {
+      if (counts_.contains(KeyView{clause, equal_forms[v], equal_forms[s]})) return true;
     }
   }
   return false;

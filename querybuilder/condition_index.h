@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "querybuilder/xqb_condition.h"
@@ -30,26 +31,50 @@ class ConditionIndex {
 
  private:
   enum class Kind { kEmpty, kText, kNumber };
+  struct OperandView {
+    Kind kind = Kind::kEmpty;
+    double number = 0;
+    std::string_view text;
+    bool operator==(const OperandView&) const = default;
+  };
   struct Operand {
     Kind kind = Kind::kEmpty;
     double number = 0;
     std::string text;
-    bool operator==(const Operand&) const = default;
+    OperandView View() const { return {kind, number, text}; }
+  };
+  struct KeyView {
+    std::int32_t clause = 0;
+    OperandView value;
+    OperandView secondary;
+    bool operator==(const KeyView&) const = default;
   };
   struct Key {
     std::int32_t clause = 0;
     Operand value;
     Operand secondary;
-    bool operator==(const Key&) const = default;
+    KeyView View() const { return {clause, value.View(), secondary.View()}; }
   };
+  // Stored keys own their texts; lookups use views, so a probe copies no text.
   struct KeyHash {
-    std::size_t operator()(const Key& key) const;
+    using is_transparent = void;
+    std::size_t operator()(const KeyView& key) const;
+    std::size_t operator()(const Key& key) const { return (*this)(key.View()); }
+  };
+  struct KeyEqual {
+    using is_transparent = void;
+    static KeyView ViewOf(const Key& key) { return key.View(); }
+    static const KeyView& ViewOf(const KeyView& key) { return key; }
+    template <class A, class B>
+    bool operator()(const A& a, const B& b) const {
+      return ViewOf(a) == ViewOf(b);
+    }
   };
 
   static std::optional<Operand> Canonical(const Variant& value);
   static std::optional<Key> KeyOf(const xqb_Condition& condition);
 
-  std::unordered_map<Key, std::int32_t, KeyHash> counts_;
+  std::unordered_map<Key, std::int32_t, KeyHash, KeyEqual> counts_;
   std::int32_t irregular_ = 0;
 };
 
