@@ -15,6 +15,8 @@ class IXMLPropBag : public virtual Object {
   virtual void WriteProperties(XMLPropBag& PropertyBag) = 0;
   /// Reads the object's properties back with `PropertyBag.ReadProperty`.
   virtual void ReadProperties(XMLPropBag& PropertyBag) = 0;
+
+  IXMLPropBag* PersistenceInterface() final { return this; }
 };
 
 }  // namespace brix

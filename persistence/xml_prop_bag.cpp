@@ -27,6 +27,13 @@ struct ClassifiedValue {
   std::shared_ptr<IXMLPropBag> object;
 };
 
+/// The persistence interface of the object `value` refers to, sharing the object's ownership.
+std::shared_ptr<IXMLPropBag> PersistableObject(const Variant& value) {
+  const std::shared_ptr<Object>& object = value.AsObject();
+  IXMLPropBag* persistable = object ? object->PersistenceInterface() : nullptr;
+  return persistable ? std::shared_ptr<IXMLPropBag>(object, persistable) : nullptr;
+}
+
 ClassifiedValue ClassifyText(std::string text) {
   const bool markup = text.find_first_of("<>") != std::string::npos;
   return {markup ? ValueKind::kMarkup : ValueKind::kText, std::move(text), nullptr};
@@ -48,12 +55,12 @@ ClassifiedValue Classify(const Variant& value) {
   if (value.IsNull()) return {ValueKind::kNull, {}, nullptr};
   if (value.IsObject()) {
     if (value.IsNothing()) return {ValueKind::kNothing, {}, nullptr};
-    if (auto object = std::dynamic_pointer_cast<IXMLPropBag>(value.AsObject())) {
-      return {ValueKind::kObject, {}, std::move(object)};
-    }
+    if (auto object = PersistableObject(value)) return {ValueKind::kObject, {}, std::move(object)};
     return ClassifyByStringForm(value);
   }
   if (value.IsError()) return {};
+  // A text is its own string form; numeric and date texts never hold "<" or ">".
+  if (value.Type() == vbString) return ClassifyText(value.AsString());
   // Numbers, Booleans, dates and numeric or date texts are written as their string form, which
   // never holds "<" or ">".
   if (IsNumeric(value) || IsDate(value)) return {ValueKind::kText, CStr(value), nullptr};
@@ -129,6 +136,61 @@ std::string_view DataTypeOf(pugi::xml_node element) {
   return {};
 }
 
+/// Appends an element, its attributes and its text to the DOM, for `WriteValueElement`.
+class DomElementSink {
+ public:
+  explicit DomElementSink(pugi::xml_node parent) : parent_(parent) {}
+
+  void StartElement(std::string_view name) {
+    element_ = parent_.append_child(std::string(name).c_str());
+  }
+  void Attribute(const char* name, std::string_view value) { SetAttribute(element_, name, value); }
+  void Text(std::string_view text) { AppendText(element_, pugi::node_pcdata, text); }
+  void CData(std::string_view text) { AppendText(element_, pugi::node_cdata, text); }
+  void EndElement() {}
+
+  pugi::xml_node Element() const { return element_; }
+
+ private:
+  pugi::xml_node parent_;
+  pugi::xml_node element_;
+};
+
+/// Writes a value that is not an object as an element named `name`, into the DOM or as text.
+template <class Sink>
+void WriteValueElement(Sink& sink, std::string_view name, const ClassifiedValue& value,
+                       const Variant& original) {
+  sink.StartElement(name);
+  switch (value.kind) {
+    case ValueKind::kEmpty:
+      sink.Attribute("vartype", "empty");
+      break;
+    case ValueKind::kNull:
+      sink.Attribute("vartype", "null");
+      break;
+    case ValueKind::kNothing:
+      sink.Attribute("vartype", "nothing");
+      break;
+    case ValueKind::kBytes: {
+      sink.Attribute("xmlns:dt", kDatatypesNamespace);
+      sink.Attribute("dt:dt", "bin.base64");
+      const std::string encoded = EncodeBinBase64(original.AsByteArray());
+      if (!encoded.empty()) sink.Text(encoded);
+      break;
+    }
+    case ValueKind::kText:
+      // Empty text leaves the element without children, written as <Name/>.
+      if (!value.text.empty()) sink.Text(value.text);
+      break;
+    case ValueKind::kMarkup:
+      sink.CData(value.text);
+      break;
+    default:
+      break;
+  }
+  sink.EndElement();
+}
+
 }  // namespace
 
 std::shared_ptr<XMLPropBag> XMLPropBag::Create() {
@@ -143,47 +205,50 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
   }
   if (value.kind == ValueKind::kObject) {
     CheckStorable(PropertyName);
-    pugi::xml_node element = AppendChildElement(value.object->TypeName());
-    SetAttribute(element, "name", PropertyName);
-    XMLPropBag nested;
-    nested.SetCurrentNode(current_.Owner(), element);
-    value.object->WriteProperties(nested);
+    WriteObject(PropertyName, *value.object);
     return;
   }
   CheckStorable(value.text);
-  pugi::xml_node element = AppendChildElement(PropertyName);
-  switch (value.kind) {
-    case ValueKind::kEmpty:
-      SetAttribute(element, "vartype", "empty");
-      break;
-    case ValueKind::kNull:
-      SetAttribute(element, "vartype", "null");
-      break;
-    case ValueKind::kNothing:
-      SetAttribute(element, "vartype", "nothing");
-      break;
-    case ValueKind::kBytes: {
-      SetAttribute(element, "xmlns:dt", kDatatypesNamespace);
-      SetAttribute(element, "dt:dt", "bin.base64");
-      const std::string encoded = EncodeBinBase64(PropertyValue.AsByteArray());
-      if (!encoded.empty()) AppendText(element, pugi::node_pcdata, encoded);
-      break;
-    }
-    case ValueKind::kText:
-      // Empty text leaves the element without children, written as <Name/>.
-      if (!value.text.empty()) AppendText(element, pugi::node_pcdata, value.text);
-      break;
-    case ValueKind::kMarkup:
-      AppendText(element, pugi::node_cdata, value.text);
-      break;
-    default:
-      break;
+  CheckElementName(PropertyName);
+  if (stream_) {
+    WriteValueElement(*stream_, PropertyName, value, PropertyValue);
+  } else {
+    DomElementSink sink(CurrentParent());
+    WriteValueElement(sink, PropertyName, value, PropertyValue);
   }
+}
+
+// A persistable object becomes an element named by its class with the property name as its
+// "name" attribute; its own properties go inside through a bag positioned there.
+void XMLPropBag::WriteObject(std::string_view PropertyName, IXMLPropBag& object) {
+  const std::string type = object.TypeName();
+  CheckElementName(type);
+  XMLPropBag nested;
+  if (stream_) {
+    stream_->StartElement(type);
+    stream_->Attribute("name", PropertyName);
+    nested.stream_ = stream_;
+    object.WriteProperties(nested);
+    stream_->EndElement();
+    return;
+  }
+  DomElementSink sink(CurrentParent());
+  sink.StartElement(type);
+  sink.Attribute("name", PropertyName);
+  nested.SetCurrentNode(current_.Owner(), sink.Element());
+  object.WriteProperties(nested);
+}
+
+pugi::xml_node XMLPropBag::CurrentParent() {
+  pugi::xml_node parent = current_.Node();
+  if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
+  current_.Owner()->Changed();
+  return parent;
 }
 
 Variant XMLPropBag::ReadProperty(std::string_view PropertyName, const Variant& DefaultValue) {
   if (DefaultValue.IsObject() && !DefaultValue.IsNothing()) {
-    if (auto object = std::dynamic_pointer_cast<IXMLPropBag>(DefaultValue.AsObject())) {
+    if (auto object = PersistableObject(DefaultValue)) {
       return ReadObject(PropertyName, *object);
     }
   }
@@ -306,6 +371,23 @@ void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
   RootObject->WriteProperties(*this);
 }
 
+std::string XMLPropBag::SaveStateText(IXMLPropBag& RootObject, std::string_view sName) {
+  const std::string type = RootObject.TypeName();
+  CheckElementName(type);
+  CheckStorable(sName);
+  std::string text;
+  XmlTextWriter writer(text);
+  writer.StartElement("PropertyBag");
+  writer.StartElement(type);
+  if (!sName.empty()) writer.Attribute("name", sName);
+  XMLPropBag bag;
+  bag.stream_ = &writer;
+  RootObject.WriteProperties(bag);
+  writer.EndElement();
+  writer.EndElement();
+  return text;
+}
+
 void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
   if (!RootObject) return;
   SetPath("//PropertyBag/" + RootObject->TypeName() + NameFilter(sName));
@@ -362,15 +444,6 @@ void XMLPropBag::KeepSelection(std::optional<PathIndex::Selection*> selection) {
 SharedDocument& XMLPropBag::RequireDocument() const {
   if (!document_) RaiseRuntimeError(kErrObjectVariableNotSet);
   return *document_;
-}
-
-pugi::xml_node XMLPropBag::AppendChildElement(std::string_view name) {
-  CheckElementName(name);
-  pugi::xml_node parent = current_.Node();
-  if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
-  pugi::xml_node element = parent.append_child(std::string(name).c_str());
-  current_.Owner()->Changed();
-  return element;
 }
 
 }  // namespace brix

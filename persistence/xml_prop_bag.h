@@ -12,6 +12,7 @@
 
 #include "persistence/ixml_prop_bag.h"
 #include "persistence/shared_xml_document.h"
+#include "persistence/xml_text_writer.h"
 #include "runtime/object.h"
 #include "runtime/variant.h"
 
@@ -63,6 +64,11 @@ class XMLPropBag : public Object {
   /// write its properties. Creates the document and its "PropertyBag" element on first use.
   void SaveState(IXMLPropBag* RootObject, std::string_view sName = {});
 
+  /// The text that `Contents` gives after `SaveState(&RootObject, sName)` on a new bag, written
+  /// straight from the objects without building a document. The objects may only write
+  /// properties: anything else asked of the bag while it writes raises 91.
+  static std::string SaveStateText(IXMLPropBag& RootObject, std::string_view sName = {});
+
   /// Positions the bag on the first saved element of `RootObject`'s class (and `sName`, when
   /// not empty) and lets the object read its properties; does nothing when there is none or
   /// `RootObject` is null.
@@ -96,7 +102,8 @@ class XMLPropBag : public Object {
   void KeepSelection(std::optional<PathIndex::Selection*> selection);
 
   SharedDocument& RequireDocument() const;
-  pugi::xml_node AppendChildElement(std::string_view name);
+  pugi::xml_node CurrentParent();
+  void WriteObject(std::string_view PropertyName, IXMLPropBag& object);
   pugi::xml_node SelectPath(const std::string& xpath,
                             std::optional<PathIndex::Selection*> selection) const;
   std::optional<PathIndex::Selection*> SelectStep(std::string_view type,
@@ -109,6 +116,8 @@ class XMLPropBag : public Object {
 
   NodeHold current_;
   std::shared_ptr<SharedDocument> document_;
+  // Set while the bag writes text straight from the objects instead of into a document.
+  XmlTextWriter* stream_ = nullptr;
   // The whole-document XPath ("//" first) that selected the bag's element, and its selection
   // in the document's index while the index keeps that generation.
   std::string path_ = "//";

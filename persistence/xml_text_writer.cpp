@@ -111,74 +111,97 @@ void AppendAttributeValue(std::string& out, std::string_view value) {
 }
 
 /// Writes the elements of a document in document order with the DOM's own walk, which keeps the
-/// calls per node few. The names of the open elements are kept for their end tags.
-class TextWriter : public pugi::xml_tree_walker {
+/// calls per node few.
+class DocumentWalker : public pugi::xml_tree_walker {
  public:
-  explicit TextWriter(std::string& out) : out_(out) {}
+  explicit DocumentWalker(std::string& out) : writer_(out) {}
 
   bool for_each(pugi::xml_node& node) override {
-    CloseDeeperThan(depth());
+    EndDeeperThan(depth());
     const pugi::xml_node_type type = node.type();
     if (type == pugi::node_element) {
       WriteElement(node);
     } else if (depth() > 0 && type == pugi::node_pcdata) {
-      AppendText(out_, node.value());
+      writer_.Text(node.value());
     } else if (depth() > 0 && type == pugi::node_cdata) {
-      AppendCData(out_, node.value());
+      writer_.CData(node.value());
     }
     return true;
   }
 
   bool end(pugi::xml_node&) override {
-    CloseDeeperThan(0);
+    EndDeeperThan(0);
     return true;
   }
 
  private:
-  // A start tag, or the whole element when it has no children.
   void WriteElement(pugi::xml_node element) {
-    const std::string_view name = element.name();
-    out_ += '<';
-    out_ += name;
+    writer_.StartElement(element.name());
     for (pugi::xml_attribute attribute = element.first_attribute(); attribute;
          attribute = attribute.next_attribute()) {
-      out_ += ' ';
-      out_ += attribute.name();
-      out_ += "=\"";
-      AppendAttributeValue(out_, attribute.value());
-      out_ += '"';
+      writer_.Attribute(attribute.name(), attribute.value());
     }
-    if (element.first_child()) {
-      out_ += '>';
-      open_names_.push_back(name);
-    } else {
-      out_ += "/>";
-      if (depth() == 0) out_ += "\r\n";
-    }
+    if (!element.first_child()) writer_.EndElement();
   }
 
-  // Writes the end tags of the open elements at `depth` and below; a top-level element is
-  // followed by CR LF.
-  void CloseDeeperThan(int depth) {
-    while (open_names_.size() > static_cast<std::size_t>(depth)) {
-      out_ += "</";
-      out_ += open_names_.back();
-      out_ += '>';
-      open_names_.pop_back();
-      if (open_names_.empty()) out_ += "\r\n";
-    }
+  void EndDeeperThan(int depth) {
+    while (writer_.Depth() > static_cast<std::size_t>(depth)) writer_.EndElement();
   }
 
-  std::string& out_;
-  std::vector<std::string_view> open_names_;
+  XmlTextWriter writer_;
 };
 
 }  // namespace
 
+void XmlTextWriter::StartElement(std::string_view name) {
+  CloseStartTag();
+  out_ += '<';
+  out_ += name;
+  if (depth_ == open_names_.size()) open_names_.emplace_back();
+  open_names_[depth_++].assign(name);  // reuses the slot's storage
+  start_tag_open_ = true;
+}
+
+void XmlTextWriter::Attribute(std::string_view name, std::string_view value) {
+  out_ += ' ';
+  out_ += name;
+  out_ += "=\"";
+  AppendAttributeValue(out_, value);
+  out_ += '"';
+}
+
+void XmlTextWriter::Text(std::string_view text) {
+  CloseStartTag();
+  AppendText(out_, text);
+}
+
+void XmlTextWriter::CData(std::string_view text) {
+  CloseStartTag();
+  AppendCData(out_, text);
+}
+
+void XmlTextWriter::EndElement() {
+  if (start_tag_open_) {
+    out_ += "/>";
+    start_tag_open_ = false;
+  } else {
+    out_ += "</";
+    out_ += open_names_[depth_ - 1];
+    out_ += '>';
+  }
+  if (--depth_ == 0) out_ += "\r\n";
+}
+
+void XmlTextWriter::CloseStartTag() {
+  if (!start_tag_open_) return;
+  out_ += '>';
+  start_tag_open_ = false;
+}
+
 std::string WriteXmlText(const pugi::xml_document& document) {
   std::string out;
-  TextWriter writer(out);
-  pugi::xml_node(document).traverse(writer);
+  DocumentWalker walker(out);
+  pugi::xml_node(document).traverse(walker);
   return out;
 }
 

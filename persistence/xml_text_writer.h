@@ -3,8 +3,36 @@
 
 #include <pugixml.hpp>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace brix {
+
+/// Writes elements, attributes and text in document order, in the form `WriteXmlText` gives a
+/// document, without building one. A start tag stays open until the element gets content or
+/// ends, so an element that ends without content is written as `<name/>`.
+class XmlTextWriter {
+ public:
+  explicit XmlTextWriter(std::string& out) : out_(out) {}
+
+  void StartElement(std::string_view name);
+  /// An attribute of the element just started.
+  void Attribute(std::string_view name, std::string_view value);
+  void Text(std::string_view text);
+  void CData(std::string_view text);
+  /// Ends the innermost open element; a top-level element is followed by CR LF.
+  void EndElement();
+  /// How many elements are open.
+  std::size_t Depth() const { return depth_; }
+
+ private:
+  void CloseStartTag();
+
+  std::string& out_;
+  std::vector<std::string> open_names_;  // slots [0, depth_) name the open elements
+  std::size_t depth_ = 0;
+  bool start_tag_open_ = false;
+};
 
 /// The text of `document`: each top-level element followed by CR LF, no declaration and no
 /// indentation; an element without children as `<name/>`; attributes in their order, in double

@@ -180,9 +180,7 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
 
 std::string xqb_Query::SaveXMLDef() {
   try {
-    auto bag = XMLPropBag::Create();
-    bag->SaveState(this, QueryName());
-    return bag->Contents();
+    return XMLPropBag::SaveStateText(*this, QueryName());
   } catch (const Error& trapped) {
     Raise(kErrSaveXMLDef, "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]",
           TrappedDescription("Couldn't save xml query definition!", "", trapped));

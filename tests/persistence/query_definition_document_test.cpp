@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "persistence/xml_prop_bag.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
@@ -109,7 +110,12 @@ std::shared_ptr<xqb_Query> RandomQuery(unsigned seed) {
 
 TEST(QueryDefinitionDocument, SaveLoadSaveIsAFixedPointForRandomTreesThatHoldOnlyStringForms) {
   for (unsigned seed = 1; seed <= 200; ++seed) {
-    const std::string saved = RandomQuery(seed)->SaveXMLDef();
+    const std::shared_ptr<xqb_Query> query = RandomQuery(seed);
+    const std::string saved = query->SaveXMLDef();
+    // The text written straight from the objects is the text of the document a bag builds.
+    auto bag = XMLPropBag::Create();
+    bag->SaveState(query.get(), query->QueryName());
+    EXPECT_EQ(bag->Contents(), saved) << "seed " << seed;
     auto loaded = xqb_Query::Create();
     loaded->LoadXMLDef(saved);
     EXPECT_EQ(loaded->SaveXMLDef(), saved) << "seed " << seed;
