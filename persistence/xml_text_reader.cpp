@@ -11,6 +11,8 @@
 namespace brix {
 namespace {
 
+constexpr bool IsXmlSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
 std::string Location(std::string_view text, std::size_t offset) {
   offset = std::min(offset, text.size());
   const std::string_view before = text.substr(0, offset);
@@ -45,8 +47,21 @@ class DuplicateAttributeFinder : public pugi::xml_tree_walker {
   std::string_view duplicate_;
 };
 
+/// Whether an element of `text`, which the parser accepted, may have two or more attributes.
+/// The parser insists on white space between attributes, so a second attribute of an element
+/// comes after a quote that white space follows; text without that pattern skips the walk.
+bool MayHaveSeveralAttributes(std::string_view text) {
+  for (const char quote_mark : {'"', '\''}) {
+    for (std::size_t quote = text.find(quote_mark); quote != std::string_view::npos;
+         quote = text.find(quote_mark, quote + 1)) {
+      if (quote + 1 < text.size() && IsXmlSpace(text[quote + 1])) return true;
+    }
+  }
+  return false;
+}
+
 /// The reason the loaded tree is not a document the platform accepts, or an empty string.
-std::string CheckTree(pugi::xml_document& document) {
+std::string CheckTree(pugi::xml_document& document, std::string_view text) {
   std::size_t elements = 0;
   for (pugi::xml_node node : document.children()) {
     if (node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) {
@@ -57,7 +72,7 @@ std::string CheckTree(pugi::xml_document& document) {
   if (elements == 0) return "XML document must have a top level element.";
   if (elements > 1) return "Only one top level element is allowed in an XML document.";
   DuplicateAttributeFinder finder;
-  if (!document.traverse(finder)) {
+  if (MayHaveSeveralAttributes(text) && !document.traverse(finder)) {
     return "Duplicate attribute '" + std::string(finder.Duplicate()) + "'.";
   }
   return {};
@@ -76,7 +91,7 @@ void ReadXmlText(pugi::xml_document& document, std::string_view text) {
              !result) {
     reason = result.description() + Location(text, static_cast<std::size_t>(result.offset));
   } else {
-    reason = CheckTree(document);
+    reason = CheckTree(document, text);
   }
   if (reason.empty()) return;
   document.reset();

@@ -32,8 +32,9 @@ class KeyedCollection {
     std::optional<std::string> folded;
     if (key) {
       folded = FoldCase(*key);
-      if (positions_.contains(*folded)) RaiseRuntimeError(kErrKeyAlreadyAssociated);
-      positions_.emplace(*folded, items_.size());
+      if (!positions_.try_emplace(*folded, items_.size()).second) {
+        RaiseRuntimeError(kErrKeyAlreadyAssociated);
+      }
     }
     items_.push_back(std::move(item));
     keys_.push_back(std::move(folded));
