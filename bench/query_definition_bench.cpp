@@ -2,14 +2,15 @@
 // and print of the same text.
 #include <benchmark/benchmark.h>
 
-#include <pugixml.hpp>
-#include <sstream>
 #include <string>
 
+#include "bench/bench_support.h"
 #include "querybuilder/xqb_query.h"
 
 namespace brix {
 namespace {
+
+using bench::SetPerCondition;
 
 constexpr int kConditionsPerField = 100;
 constexpr int kFieldsPerTable = 10;
@@ -40,14 +41,6 @@ std::shared_ptr<xqb_Query> BuildQuery(int conditions) {
   return query;
 }
 
-void SetPerCondition(benchmark::State& state) {
-  state.SetItemsProcessed(state.iterations() * state.range(0));
-  // Seconds per condition, printed with an SI prefix (e.g. "1.2u").
-  state.counters["per_condition"] = benchmark::Counter(
-      static_cast<double>(state.range(0)),
-      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
-}
-
 void BM_SaveXMLDef(benchmark::State& state) {
   auto query = BuildQuery(static_cast<int>(state.range(0)));
   for (auto _ : state) benchmark::DoNotOptimize(query->SaveXMLDef());
@@ -65,23 +58,12 @@ void BM_LoadXMLDef(benchmark::State& state) {
 }
 
 void BM_RawPugixmlParse(benchmark::State& state) {
-  std::string text = BuildQuery(static_cast<int>(state.range(0)))->SaveXMLDef();
-  for (auto _ : state) {
-    pugi::xml_document document;
-    benchmark::DoNotOptimize(document.load_buffer(text.data(), text.size()));
-  }
+  bench::TimeDomParse(state, BuildQuery(static_cast<int>(state.range(0)))->SaveXMLDef());
   SetPerCondition(state);
 }
 
 void BM_RawPugixmlSave(benchmark::State& state) {
-  std::string text = BuildQuery(static_cast<int>(state.range(0)))->SaveXMLDef();
-  pugi::xml_document document;
-  document.load_buffer(text.data(), text.size());
-  for (auto _ : state) {
-    std::ostringstream out;
-    document.save(out, "", pugi::format_raw | pugi::format_no_declaration);
-    benchmark::DoNotOptimize(out.str());
-  }
+  bench::TimeDomSave(state, BuildQuery(static_cast<int>(state.range(0)))->SaveXMLDef());
   SetPerCondition(state);
 }
 

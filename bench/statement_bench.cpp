@@ -4,10 +4,13 @@
 #include <array>
 #include <string>
 
+#include "bench/bench_support.h"
 #include "querybuilder/xqb_query.h"
 
 namespace brix {
 namespace {
+
+using bench::SetPerCondition;
 
 constexpr int kConditionsPerField = 100;
 constexpr int kFieldsPerTable = 100;
@@ -70,14 +73,6 @@ std::shared_ptr<xqb_Query> BuildQuery(int conditions) {
     field->Conditions()->AddObjectCondition(condition);
   }
   return query;
-}
-
-void SetPerCondition(benchmark::State& state) {
-  state.SetItemsProcessed(state.iterations() * state.range(0));
-  // Seconds per condition, printed with an SI prefix (e.g. "250n").
-  state.counters["per_condition"] = benchmark::Counter(
-      static_cast<double>(state.range(0)),
-      benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void BM_ReturnSQL(benchmark::State& state) {

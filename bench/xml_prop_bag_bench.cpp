@@ -3,11 +3,10 @@
 #include <benchmark/benchmark.h>
 
 #include <memory>
-#include <pugixml.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "bench/bench_support.h"
 #include "persistence/ixml_prop_bag.h"
 #include "persistence/xml_prop_bag.h"
 #include "runtime/conversions.h"
@@ -124,22 +123,13 @@ void BM_BagSetContentsAndRestoreState(benchmark::State& state) {
 
 void BM_DomParse(benchmark::State& state) {
   const std::string text = SavedText(state);
-  for (auto _ : state) {
-    pugi::xml_document document;
-    benchmark::DoNotOptimize(document.load_buffer(text.data(), text.size()));
-  }
+  bench::TimeDomParse(state, text);
   SetCounters(state, text.size());
 }
 
 void BM_DomSave(benchmark::State& state) {
   const std::string text = SavedText(state);
-  pugi::xml_document document;
-  document.load_buffer(text.data(), text.size());
-  for (auto _ : state) {
-    std::ostringstream out;
-    document.save(out, "", pugi::format_raw | pugi::format_no_declaration);
-    benchmark::DoNotOptimize(out.str());
-  }
+  bench::TimeDomSave(state, text);
   SetCounters(state, text.size());
 }
 

@@ -30,14 +30,26 @@ constexpr std::array<bool, 256> kSpecialInText = [] {
   return special;
 }();
 
+/// Writes the entity of a markup character ("&", "<", ">"); false for any other character.
+bool AppendMarkupEntity(std::string& out, unsigned char c) {
+  switch (c) {
+    case '&':
+      out += "&amp;";
+      return true;
+    case '<':
+      out += "&lt;";
+      return true;
+    case '>':
+      out += "&gt;";
+      return true;
+    default:
+      return false;
+  }
+}
+
 void AppendTextCharacter(std::string& out, unsigned char c) {
-  if (c == '&') {
-    out += "&amp;";
-  } else if (c == '<') {
-    out += "&lt;";
-  } else if (c == '>') {
-    out += "&gt;";
-  } else if (c == '\n') {
+  if (AppendMarkupEntity(out, c)) return;
+  if (c == '\n') {
     out += "\r\n";
   } else {
     AppendReference(out, c);
@@ -94,13 +106,8 @@ void AppendCData(std::string& out, std::string_view content) {
 void AppendAttributeValue(std::string& out, std::string_view value) {
   for (const char ch : value) {
     const unsigned char c = static_cast<unsigned char>(ch);
-    if (c == '&') {
-      out += "&amp;";
-    } else if (c == '<') {
-      out += "&lt;";
-    } else if (c == '>') {
-      out += "&gt;";
-    } else if (c == '"') {
+    if (AppendMarkupEntity(out, c)) continue;
+    if (c == '"') {
       out += "&quot;";
     } else if (c < 0x20) {
       AppendReference(out, c);

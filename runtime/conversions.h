@@ -78,7 +78,7 @@ std::optional<double> ParseNumber(std::string_view text);
 
 /// Reads text as the platform's date parser does for en-US, as a day number. Accepted: a date,
 /// a time, or a date and a time in either order, blanks around.
-/// - Numeric dates M/D/Y with "/", "-", "." or blanks between the parts; when M/D/Y is no valid
+/// - Numeric dates M/D/Y with "/", "-", "." or blanks between the numbers; when M/D/Y is no valid
 ///   date, D/M/Y is tried ("13/5/2010" is 13 May). A first part of 3-4 digits or above 31 makes
 ///   it Y/M/D ("2010-03-02").
 /// - Two numbers: M/D of the current year (D/M when M/D is invalid), or M/Y and Y/M when one part

@@ -70,7 +70,7 @@ ParamValues ParseParam(std::string_view text) {
   return param;
 }
 
-struct OptionSpec {
+struct OptionRule {
   std::string_view name;
   bool takes_value;
   unsigned commands;  // bits of the commands that accept the option
@@ -81,7 +81,7 @@ constexpr std::int32_t kLongMax = std::numeric_limits<std::int32_t>::max();
 constexpr std::int16_t kIntegerMin = std::numeric_limits<std::int16_t>::min();
 constexpr std::int16_t kIntegerMax = std::numeric_limits<std::int16_t>::max();
 
-const std::array<OptionSpec, 8> kOptionSpecs = {{
+const std::array<OptionRule, 8> kOptionRules = {{
     {"top", true, Bit(Command::kSql) | Bit(Command::kRun),
      [](Options& o, std::string_view v) {
        o.top = ParseInteger<std::int32_t>("top", v, 0, kLongMax);
@@ -115,14 +115,14 @@ Command ParseCommand(std::string_view name) {
   throw UsageError("unknown command \"" + std::string(name) + "\"");
 }
 
-const OptionSpec& FindOption(std::string_view name, Command command) {
-  for (const OptionSpec& spec : kOptionSpecs) {
-    if (spec.name != name) continue;
-    if ((spec.commands & Bit(command)) == 0) {
+const OptionRule& FindOption(std::string_view name, Command command) {
+  for (const OptionRule& rule : kOptionRules) {
+    if (rule.name != name) continue;
+    if ((rule.commands & Bit(command)) == 0) {
       throw UsageError("the command " + std::string(kCommandNames[static_cast<int>(command)]) +
                        " takes no option --" + std::string(name));
     }
-    return spec;
+    return rule;
   }
   throw UsageError("unknown option \"--" + std::string(name) + "\"");
 }
@@ -206,15 +206,15 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
       value = name.substr(equals + 1);
       name = name.substr(0, equals);
     }
-    const OptionSpec& spec = FindOption(name, options.command);
-    if (spec.takes_value && !value) {
+    const OptionRule& rule = FindOption(name, options.command);
+    if (rule.takes_value && !value) {
       if (++i == args.size()) throw UsageError("--" + std::string(name) + " needs a value");
       value = args[i];
     }
-    if (!spec.takes_value && value) {
+    if (!rule.takes_value && value) {
       throw UsageError("--" + std::string(name) + " takes no value");
     }
-    spec.apply(options, value.value_or(""));
+    rule.apply(options, value.value_or(""));
   }
   if (files.empty()) throw UsageError("missing FILE");
   if (files.size() > 1) throw UsageError("more than one FILE: \"" + std::string(files[1]) + "\"");
