@@ -49,10 +49,8 @@ TEST(ParseNumber, ReadsThePlatformNumberSyntax) {
   // clang-format on
   for (const TextCase& c : cases) {
     for (const char* text : c.texts) {
-      std::optional<double> value = ParseNumber(text);
-      ASSERT_EQ(value.has_value(), c.expected.has_value()) << text;
-      if (value) EXPECT_DOUBLE_EQ(*value, *c.expected) << text;
-      EXPECT_EQ(IsNumeric(Variant(text)), value && std::isfinite(*value)) << text;
+      EXPECT_EQ(ParseNumber(text), c.expected) << text;
+      EXPECT_EQ(IsNumeric(Variant(text)), c.expected && std::isfinite(*c.expected)) << text;
     }
   }
 }
@@ -93,11 +91,11 @@ TEST(ParseDate, ReadsTheEnUsFormsWithTheClocksYearAsDefault) {
   // clang-format on
   for (const TextCase& c : cases) {
     for (const char* text : c.texts) {
-      std::optional<double> serial = ParseDate(text);
-      ASSERT_EQ(serial.has_value(), c.expected.has_value()) << text;
-      EXPECT_EQ(IsDate(Variant(text)), serial.has_value()) << text;
-      if (serial) EXPECT_NEAR(*serial, *c.expected, 1e-9) << text;
-      if (serial) EXPECT_NEAR(CDate(Variant(text)).serial, *c.expected, 1e-9) << text;
+      ASSERT_EQ(ParseDate(text).has_value(), c.expected.has_value()) << text;
+      EXPECT_EQ(IsDate(Variant(text)), c.expected.has_value()) << text;
+      if (!c.expected) continue;
+      EXPECT_NEAR(*ParseDate(text), *c.expected, 1e-9) << text;
+      EXPECT_NEAR(CDate(Variant(text)).serial, *c.expected, 1e-9) << text;
     }
   }
 }
@@ -133,8 +131,7 @@ TEST(CStr, WritesTheStringFormOfEachKind) {
   };
   // clang-format on
   for (const Case& c : cases) EXPECT_EQ(CStr(c.value), c.expected);
-  EXPECT_EQ(ConcatText(Variant::Null()), "");
-  EXPECT_EQ(ConcatText(Variant(7)), "7");
+  EXPECT_EQ(ConcatText(Variant::Null()) + ConcatText(Variant(7)), "7");  // Null is "" here
 }
 
 TEST(Conversions, RoundHalfToEvenAndReadWordsAsBooleans) {
@@ -206,18 +203,6 @@ TEST(Conversions, RaiseOverflowTypeMismatchAndTheErrorsOfNullAndObjects) {
     EXPECT_TRUE(RaisesRuntimeError([&] { convert(Variant::Nothing()); }, 91));
     EXPECT_TRUE(RaisesRuntimeError([&] { convert(test_support::ObjectWithoutDefault()); }, 438));
   }
-}
-
-TEST(IsNumericAndIsDate, ClassifyKinds) {
-  for (const Variant& value :
-       {Variant(std::int16_t{1}), Variant(1), Variant(1.5f), Variant(1.5), Variant(Currency{1}),
-        Variant(std::uint8_t{1}), Variant(true), Variant()}) {
-    EXPECT_TRUE(IsNumeric(value) && !IsDate(value)) << value.Type();
-  }
-  for (const Variant& value : {Variant::Null(), Variant::Missing(), Bytes(), Variant::Nothing()}) {
-    EXPECT_FALSE(IsNumeric(value) || IsDate(value)) << value.Type();
-  }
-  EXPECT_TRUE(IsDate(Variant(Date{1})) && !IsNumeric(Variant(Date{1})));
 }
 
 }  // namespace
