@@ -66,7 +66,7 @@ class XMLPropBag : public Object {
 
   /// The text that `Contents` gives after `SaveState(&RootObject, sName)` on a new bag, written
   /// straight from the objects without building a document. The objects may only write
-  /// properties: anything else asked of the bag while it writes raises 91.
+  /// properties: a read from the bag while it writes raises 91.
   static std::string SaveStateText(IXMLPropBag& RootObject, std::string_view sName = {});
 
   /// Positions the bag on the first saved element of `RootObject`'s class (and `sName`, when
