@@ -51,7 +51,6 @@ TEST(Dates, RaiseOutsideTheDateRange) {
       {6,  [] { DateSerial(100, 1, 0); }},
       {6,  [] { DateSerial(9999, 13, 1); }},
       {6,  [] { DateSerial(2010, 40000, 1); }},  // an argument beyond an Integer
-      {6,  [] { DateSerial(2010, 1, -40000); }},
       {6,  [] { DateSerial(-1, 1, 1); }},
       {6,  [] { ToCivil(2958466); }},
       {6,  [] { ToCivil(-657435); }},
@@ -70,20 +69,10 @@ TEST(Dates, RaiseOutsideTheDateRange) {
 }
 
 TEST(Weekday, CountsFromTheFirstDayOfTheWeek) {
-  // clang-format off
-  struct Case { double serial; int sunday_first, monday_first; };
-  const Case cases[] = {
-      {kMarch1st2010,       2, 1},  // Monday
-      {kMarch1st2010 + 5,   7, 6},  // Saturday
-      {kMarch1st2010 + 6.9, 1, 7},  // Sunday evening
-      {-1.25,               6, 5},  // 29 Dec 1899, a Friday
-  };
-  // clang-format on
-  for (const Case& c : cases) {
-    EXPECT_EQ(Weekday(c.serial), c.sunday_first) << c.serial;
-    EXPECT_EQ(Weekday(c.serial, vbUseSystemDayOfWeek), c.sunday_first) << c.serial;
-    EXPECT_EQ(Weekday(c.serial, vbMonday), c.monday_first) << c.serial;
-  }
+  EXPECT_EQ(Weekday(kMarch1st2010 + 5), 7);                    // Saturday
+  EXPECT_EQ(Weekday(kMarch1st2010, vbUseSystemDayOfWeek), 2);  // as from Sunday
+  EXPECT_EQ(Weekday(kMarch1st2010 + 6.9, vbMonday), 7);        // Sunday evening
+  EXPECT_EQ(Weekday(-1.25, vbMonday), 5);                      // 29 Dec 1899, a Friday
   EXPECT_EQ(Weekday(kMarch1st2010, vbSaturday), 3);
 }
 
