@@ -1,26 +1,29 @@
 // Every clause kind through the catalogue and each text generator, the catalogue's other texts,
-// and the available-clause list of a field: defaults per type, string rules and listing.
+// the available-clause list of a field (defaults per type, string rules and listing), and the
+// condition sentences: operand texts per type, month names and the prefixes.
 #include "querybuilder/clause_catalogue.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
-#include <string>
 #include <tuple>
-#include <vector>
 
+#include "querybuilder/condition_describer.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
-#include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
+#include "tests/support/expect_error.h"
 #include "tests/support/query_tree.h"
 
 namespace brix {
 namespace {
 
+using test_support::AddCondition;
+using test_support::AddField;
+using test_support::AddTable;
 using test_support::BuildQuery;
 using test_support::FieldRow;
-using Clauses = std::vector<std::int32_t>;
+using test_support::Outcome;
 using V = Variant;
 
 auto K(std::int32_t clause) { return static_cast<qbe_ClauseOperator>(clause); }
@@ -89,69 +92,65 @@ TEST(ClauseCatalogue, EveryKindThroughEveryText) {
   }
 }
 
-template <class Enum, std::string (*Describe)(Enum)>
-std::string Text(std::int32_t value) {
-  return Describe(static_cast<Enum>(value));
+// The texts of `values`, each followed by "|".
+template <class Enum>
+std::string Texts(std::string (*describe)(Enum), std::initializer_list<std::int32_t> values) {
+  std::string text;
+  for (std::int32_t value : values) text += describe(static_cast<Enum>(value)) + "|";
+  return text;
 }
 
 TEST(ClauseCatalogue, OtherTextsIncludingValuesOutsideEachRange) {
-  const auto type = Text<qbe_DataType, DataTypeDescription>;
-  const auto sort = Text<qbe_SortType, SortTypeDescription>;
-  const auto aggregate = Text<qbe_AggregateFunctionType, AggregateFunctionDescription>;
-  const auto logic = Text<qbe_WhereClauseLogic, WhereClauseLogicDescription>;
-  // clang-format off
-  const std::vector<std::tuple<std::string (*)(std::int32_t), std::int32_t, std::string>> cases = {
-      {type,      0,  ""},
-      {type,      1,  "BLOB"},
-      {type,      6,  "String"},
-      {type,      7,  ""},
-      {type,      12, ""},
-      {type,      13, ""},
-      {sort,      1,  "Ascending"},
-      {sort,      -1, "Descending"},
-      {sort,      2,  ""},
-      {aggregate, 0,  "None"},
-      {aggregate, 7,  "Value count"},
-      {aggregate, 8,  ""},
-      {logic,     1,  " AND "},
-      {logic,     2,  " OR "},
-      {logic,     0,  ""},
-  };
-  // clang-format on
-  for (const auto& [text, value, expected] : cases) EXPECT_EQ(text(value), expected) << value;
+  EXPECT_EQ(Texts(DataTypeDescription, {0, 1, 6, 7, 12}), "|BLOB|String|||");
+  EXPECT_EQ(Texts(SortTypeDescription, {0, 1, -1, 2}), "None|Ascending|Descending||");
+  EXPECT_EQ(Texts(AggregateFunctionDescription, {-1, 0, 7, 8}), "|None|Value count||");
+  EXPECT_EQ(Texts(WhereClauseLogicDescription, {1, 2, 0}), " AND | OR ||");
   auto condition = xqb_Condition::Create();  // logic AND, clause 0
   EXPECT_EQ(condition->WhereClauseDescription() + "|" + condition->ClauseDescription(), " AND |");
 }
 
-Clauses Listed(const xqb_Field& field) {
-  KeyedCollection<std::int32_t> listed = field.ReturnAvailableClauses();
-  return {listed.begin(), listed.end()};
+// The clauses `field` lists, each followed by "|", the list's first "|" before them.
+std::string Listed(const xqb_Field& field) {
+  std::string text = "|";
+  for (std::int32_t clause : field.ReturnAvailableClauses()) text += std::to_string(clause) + "|";
+  return text == "|" ? "" : text;
 }
 
-TEST(XqbField, DefaultClauseListPerShowAsType) {
+TEST(XqbField, ClauseListPerShowAsTypeAndItsListing) {
+  const std::string dates = "|1|3|4|5|8|9|11|18|14|16|15|21|22|23|24|28|29|6|20|";
+  const std::string strings = "|2|3|10|11|12|13|17|19|4|5|8|9|6|20|";
+  const std::string numbers = "|1|3|4|5|8|9|11|17|19|6|20|";
   // clang-format off
-  const std::vector<std::pair<std::int32_t, std::string>> cases = {
-      {qbe_DataBoolean,      "|3|"},
-      {qbe_DataDate,         "|1|3|4|5|8|9|11|18|14|16|15|21|22|23|24|28|29|6|20|"},
-      {qbe_DataMemo,         "|2|3|10|11|12|13|17|19|4|5|8|9|6|20|"},
-      {qbe_DataString,       "|2|3|10|11|12|13|17|19|4|5|8|9|6|20|"},
-      {qbe_DataNumeric,      "|1|3|4|5|8|9|11|17|19|6|20|"},
-      {qbe_DataDecimal,      "|1|3|4|5|8|9|11|17|19|6|20|"},
-      {qbe_DataUserDefined3, "|25|26|27|"},
-      {qbe_DataTime,         "|30|31|32|1|3|4|5|8|9|11|6|20|"},
-      {qbe_DataBLOB,         ""},
-      {qbe_DataUTCDate,      ""},
-      {qbe_DataUserDefined1, ""},
-      {qbe_DataUserDefined2, ""},
-      {0,                    ""},
-      {13,                   ""},
+  // ShowAsType, the list set by hand (nullptr: the type's defaults), the list then, the listing
+  const std::vector<std::tuple<std::int32_t, const char*, std::string, std::string>> cases = {
+      {qbe_DataBoolean,      nullptr,      "|3|",                          "|3|"},
+      {qbe_DataDate,         nullptr,      dates,                          "|1|3|4|5|8|9|11|18|14|15|21|22|23|24|28|29|6|20|"},  // never 16
+      {qbe_DataMemo,         nullptr,      strings,                        strings},
+      {qbe_DataString,       nullptr,      strings,                        strings},
+      {qbe_DataNumeric,      nullptr,      numbers,                        numbers},
+      {qbe_DataDecimal,      nullptr,      numbers,                        numbers},
+      {qbe_DataUserDefined3, nullptr,      "|25|26|27|",                   "|25|26|27|"},
+      {qbe_DataTime,         nullptr,      "|30|31|32|1|3|4|5|8|9|11|6|20|", "|30|31|32|1|3|4|5|8|9|11|6|20|"},
+      {qbe_DataDate,         "",           "",                             dates},  // an empty list lists every candidate
+      {qbe_DataString,       "",           "",                             strings},
+      {qbe_DataBoolean,      "|5|",        "|5|",                          "|3|"},  // Boolean lists 3 regardless
+      {qbe_DataBLOB,         "|3|2|",      "|3|2|",                        ""},
+      {qbe_DataString,       "|3|99|7|2|", "|3|99|7|2|",                   "|2|3|"},  // candidate order, not list order
+      {qbe_DataUserDefined3, "|25|27|",    "|25|27|",                      "|25|27|"},
   };
   // clang-format on
-  for (const auto& [type, list] : cases) {
+  for (const auto& [type, list, after, listed] : cases) {
     auto field = xqb_Field::Create();
-    field->SetClauseAvailable(qbe_ClauseIsNull);
+    field->SetClauseAvailable(qbe_ClauseIsNull);  // replaced when the type is set
     field->SetShowAsType(static_cast<qbe_DataType>(type));
-    EXPECT_EQ(field->AvailableClauses(), list) << type;
+    if (list) field->SetAvailableClauses(list);
+    EXPECT_EQ(field->AvailableClauses() + " " + Listed(*field), after + " " + listed) << type;
+  }
+  for (auto type : {qbe_DataBLOB, qbe_DataUTCDate, qbe_DataUserDefined1, qbe_DataUserDefined2,
+                    static_cast<qbe_DataType>(0), static_cast<qbe_DataType>(13)}) {
+    auto field = xqb_Field::Create();
+    field->SetShowAsType(type);
+    EXPECT_EQ(field->AvailableClauses() + Listed(*field), "") << type;
   }
   // A new field has an empty list until its type is set, even the same type again.
   auto field = xqb_Field::Create();
@@ -187,36 +186,84 @@ TEST(XqbField, ClauseListStringRules) {
     field->SetAvailableClauses(before);
     if (op == '+') field->SetClauseAvailable(K(clause));
     if (op == '-') field->UnsetClauseAvailable(K(clause));
-    if (op == '?') {
-      EXPECT_EQ(field->ClauseAvailable(K(clause)), available) << before;
-    }
+    EXPECT_EQ(op == '?' && field->ClauseAvailable(K(clause)), available) << before;
     EXPECT_EQ(field->AvailableClauses(), after) << before << " " << op << clause;
   }
 }
 
-TEST(XqbField, ListingFollowsCandidateOrder) {
-  const Clauses strings = {2, 3, 10, 11, 12, 13, 17, 19, 4, 5, 8, 9, 6, 20};
-  const Clauses dates = {1, 3, 4, 5, 8, 9, 11, 18, 14, 16, 15, 21, 22, 23, 24, 28, 29, 6, 20};
-  Clauses dates_without_16 = dates;
-  std::erase(dates_without_16, 16);
+constexpr double kClock = 40240;
+
+// The description of one condition on the field `name` of the only table.
+std::string Describe(qbe_DataType db_type, qbe_DataType show_as, qbe_ClauseOperator clause,
+                     const V& value, const V& secondary = V(""), const char* name = "F") {
+  ScopedClock fixed(kClock);
+  auto query = BuildQuery({{"T",
+                            {{.name = name,
+                              .type = db_type,
+                              .conditions = {{clause, value, secondary}},
+                              .show_as = show_as}}}});
+  return query->ReturnConditionDescription(1);
+}
+
+TEST(ConditionDescriber, OperandTexts) {
+  constexpr auto B = qbe_DataBoolean, S = qbe_DataString, N = qbe_DataNumeric, D = qbe_DataDate;
   // clang-format off
-  // ShowAsType, the list set by hand (nullptr: the type's defaults), the clauses listed
-  const std::vector<std::tuple<qbe_DataType, const char*, Clauses>> cases = {
-      {qbe_DataDate,         nullptr,      dates_without_16},  // the defaults never list 16
-      {qbe_DataDate,         "",           dates},             // an empty list lists every candidate
-      {qbe_DataString,       "",           strings},
-      {qbe_DataBoolean,      "|5|",        {3}},               // Boolean lists 3 regardless
-      {qbe_DataBLOB,         "|3|2|",      {}},
-      {qbe_DataString,       "|3|99|7|2|", {2, 3}},            // candidate order, not list order
-      {qbe_DataUserDefined3, "|25|27|",    {25, 27}},
+  const std::vector<std::tuple<qbe_DataType, qbe_DataType, qbe_ClauseOperator, V, V, std::string>> cases = {
+      {B,              B,            qbe_ClauseEqualTo,   V(true),        V(""),          "F sa fie Da"},
+      {B,              B,            qbe_ClauseEqualTo,   V(-1),          V(""),          "F sa fie Da"},
+      // A Boolean read back from a definition is the text "True", which is not True.
+      {B,              B,            qbe_ClauseEqualTo,   V("True"),      V(""),          "F sa fie Nu"},
+      {B,              B,            qbe_ClauseBetween,   V(true),        V::Null(),      "F este intre Da si Nu"},
+      {S,              S,            qbe_ClauseEqualTo,   V("x"),         V(""),          "F sa fie 'x'"},
+      {S,              qbe_DataMemo, qbe_ClauseBetween,   V("a"),         V::Null(),      "F este intre 'a' si ''"},
+      {S,              N,            qbe_ClauseEqualTo,   V("x"),         V(""),          "F sa fie x"},
+      {qbe_DataMemo,   S,            qbe_ClauseEqualTo,   V("x"),         V(""),          "F sa fie x"},
+      {N,              D,            qbe_ClauseEqualTo,   V(Date{40238}), V(""),          "F sa fie 01-Mar-2010"},
+      {N,              D,            qbe_ClauseBetween,   V(40238),       V("3/31/2010"), "F este intre 01-Mar-2010 si 31-Mar-2010"},
+      {qbe_DataDecimal, D,           qbe_ClauseBetween,   V("40239"),     V("abc"),       "F este intre 02-Mar-2010 si abc"},
+      {qbe_DataDecimal, D,           qbe_ClauseLastXDays, V(5),           V(""),          "F este in ultimele 5 zile"},
+      {N,              D,            qbe_ClauseYear,      V(2010.0),      V(""),          "F este in anul 2010"},
+      // Counted clauses never read the second operand.
+      {N,              D,            qbe_ClauseOverXDays, V("7"),         V(VariantArray{}), "F peste 7 zile"},
+      {N,              N,            qbe_ClauseEqualTo,   V(2.5),         V(""),          "F sa fie 2.5"},
+      {D,              D,            qbe_ClauseEqualTo,   V(Date{40238}), V(""),          "F sa fie 3/1/2010"},
+      // Operands that do not convert raise.
+      {S,              S,            qbe_ClauseEqualTo,   V(VariantArray{}), V(""),       "13 brixobjects4: Type mismatch"},
+      {B,              B,            qbe_ClauseEqualTo,   V(VariantArray{}), V(""),       "13 brixobjects4: Type mismatch"},
+      {N,              D,            qbe_ClauseEqualTo,   V::Nothing(),   V(""),          "91 brixobjects4: Object variable or With block variable not set"},
   };
   // clang-format on
-  for (const auto& [type, list, expected] : cases) {
-    auto field = xqb_Field::Create();
-    field->SetShowAsType(type);
-    if (list) field->SetAvailableClauses(list);
-    EXPECT_EQ(Listed(*field), expected) << type << " " << (list ? list : "defaults");
+  for (const auto& [db_type, show_as, clause, value, secondary, expected] : cases) {
+    EXPECT_EQ(Outcome([&] { return Describe(db_type, show_as, clause, value, secondary); }),
+              expected);
   }
+}
+
+TEST(ConditionDescriber, MonthNames) {
+  // The month is the operand's text, exactly, whatever the field's type makes of it.
+  std::string months;
+  for (const V& month : {V(0), V(1), V(2), V(3), V(4), V(5), V(6), V(7), V(8), V(9), V(10), V(11),
+                         V(12), V(13), V("3"), V("03")}) {
+    const auto type = month.Type() == vbString ? qbe_DataString : qbe_DataNumeric;
+    months += Describe(type, type, qbe_ClauseEqualTo, month, V(""), "Publicatie_Luna").substr(23);
+    months += "|";
+  }
+  EXPECT_EQ(months,
+            "|Ianuarie|Februarie|Martie|Aprilie|Mai|Iunie|Iulie|August|Septembrie|Octombrie|"
+            "Noiembrie|Decembrie||Martie||");
+}
+
+TEST(ConditionDescriber, PrefixAndSearch) {
+  ScopedClock fixed(kClock);
+  auto query = xqb_Query::Create();
+  auto activ =
+      AddField(*query->Tables()->Add("Clienti", "Clienti activi"), "Activ", qbe_DataBoolean);
+  AddCondition(*activ, 5, qbe_ClauseEqualTo, V(true));
+  EXPECT_EQ(query->ReturnConditionDescription(5), "Activ sa fie Da");
+  auto other = AddField(*AddTable(*query, "Facturi"), "Suma", qbe_DataNumeric);
+  AddCondition(*other, 5, qbe_ClauseEqualTo, V(1));  // same identity, later in the tree
+  EXPECT_EQ(query->ReturnConditionDescription(5), "Activ (Clienti activi) sa fie Da");
+  EXPECT_EQ(query->ReturnConditionDescription(6), "");
 }
 
 }  // namespace
