@@ -51,6 +51,7 @@ TEST(Dates, RaiseOutsideTheDateRange) {
       {6,  [] { DateSerial(100, 1, 0); }},
       {6,  [] { DateSerial(9999, 13, 1); }},
       {6,  [] { DateSerial(2010, 40000, 1); }},  // an argument beyond an Integer
+      {6,  [] { DateSerial(2010, 1, -40000); }},
       {6,  [] { DateSerial(-1, 1, 1); }},
       {6,  [] { ToCivil(2958466); }},
       {6,  [] { ToCivil(-657435); }},
@@ -138,6 +139,7 @@ TEST(Format, ReadsTextAsADateThenAsADayNumberThenLeavesIt) {
       {Variant(" 40239.5 "),          "dd hh",       "02 12"},
       {Variant("abc"),                "yyyymm",      "abc"},
       {Variant("99999999"),           "yyyy",        "99999999"},
+      {Variant(1e10),                 "yyyy",        "10000000000"},
       {Variant::Null(),               "yyyy",        ""},
       {Variant(),                     "yyyy",        ""},
       {Variant(true),                 "dd-MMM-yyyy", "29-Dec-1899"},
