@@ -1,11 +1,8 @@
-// SELECT statements and their lists: slot and tail placement, clause order, LIMIT, errors; and
-// statements run against a real SQLite database.
+// SELECT statements and their lists: slot and tail placement, clause order, LIMIT, errors.
 #include "querybuilder/statement_builder.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
-#include <string_view>
 #include <tuple>
 
 #include "runtime/clock.h"
@@ -22,7 +19,6 @@ using test_support::Outcome;
 using test_support::RaisesRuntimeError;
 using test_support::TableRow;
 using V = Variant;
-using Texts = std::vector<std::string>;
 
 constexpr auto N = qbe_DataNumeric, S = qbe_DataString;
 constexpr auto ASC = qbe_SortAscending;
@@ -100,85 +96,6 @@ TEST(StatementBuilder, WritesTheSecondWhereEvaluation) {
   auto query =
       BuildQuery({{"T", {{"F", qbe_DataString, {{qbe_ClauseTimeNow}}}}}});  // Today: 1 read
   EXPECT_EQ(query->ReturnSQL(), "SELECT [T].F AS F FROM [T] WHERE ([T].F = '14:32')");
-}
-
-constexpr const char* kSchema = R"sql(
-  CREATE TABLE Customers (ID INTEGER, Name TEXT, [Credit Limit] REAL, Active BOOLEAN, Notes TEXT);
-  INSERT INTO Customers VALUES (1, 'Ana', 100, 1, 'likes tea'), (2, 'O''Brien', 250.5, 0, NULL),
-                               (3, 'Bogdan', NULL, 1, ''), (4, 'Anca', 80, 0, 'coffee');
-  CREATE TABLE Orders (CustomerID INTEGER, Product TEXT);
-  INSERT INTO Orders VALUES (1, 'tea'), (1, 'cup'), (2, 'pot'), (4, 'mug'), (4, 'kettle');
-)sql";
-
-// The texts are pinned above and by the WHERE tests; these run them in a real database.
-class SqliteEndToEnd : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_EQ(sqlite3_open(":memory:", &db_), SQLITE_OK);
-    ASSERT_EQ(Rows(kSchema), Texts{});
-  }
-  void TearDown() override { sqlite3_close(db_); }
-
-  // Every row of `sql`, its columns as text joined by "|".
-  Texts Rows(const std::string& sql) {
-    Texts rows;
-    auto collect = [](void* out, int count, char** values, char**) {
-      std::string row;
-      for (int i = 0; i < count; ++i)
-        row += (i ? "|" : "") + std::string(values[i] ? values[i] : "NULL");
-      static_cast<Texts*>(out)->push_back(row);
-      return 0;
-    };
-    char* error = nullptr;
-    if (sqlite3_exec(db_, sql.c_str(), collect, &rows, &error) != SQLITE_OK) {
-      ADD_FAILURE() << error << " in: " << sql;
-      sqlite3_free(error);
-    }
-    return rows;
-  }
-
-  sqlite3* db_ = nullptr;
-};
-
-TEST_F(SqliteEndToEnd, EachShapeOfConditionSelectsItsRows) {
-  const V none("");
-  // clang-format off
-  // the field with the condition, its type, the condition, the IDs of the rows selected
-  const std::vector<std::tuple<const char*, qbe_DataType, qbe_ClauseOperator, V, V, Texts>> cases = {
-      {"Name",         S, qbe_ClauseBetween,          V("A"),       V("B"), {"1", "4"}},
-      {"Name",         S, qbe_ClauseEqualTo,          V("O'Brien"), none,   {"2"}},
-      {"Name",         S, qbe_ClauseNotStartingWith,  V("An"),      none,   {"2", "3"}},
-      {"Notes",        S, qbe_ClauseIsEmpty,          none,         none,   {"2", "3"}},
-      // Both tests are joined with OR, so an empty text passes as not null.
-      {"Notes",        S, qbe_ClauseNotIsEmpty,       none,         none,   {"1", "3", "4"}},
-      {"Notes",        S, qbe_ClauseContainsWords,    V("x"),       none,   {"1", "2", "3", "4"}},
-      {"ID",           N, qbe_ClauseNotInList,        V("(1, 3)"),  none,   {"2", "4"}},
-      {"ID",           N, qbe_ClauseLastXDays,        V(2),         V(3),   {"2", "3"}},
-      {"Credit Limit", N, qbe_ClauseIsEmpty,          none,         none,   {"3"}},
-      {"Active",       qbe_DataBoolean, qbe_ClauseEqualTo, V(true), none,   {"1", "3"}},
-  };
-  // clang-format on
-  for (const auto& [field, type, kind, value, secondary, ids] : cases) {
-    // Customers.ID selected and sorted; another field with the condition only filters.
-    FieldRow id{.name = "ID", .type = N, .sort = ASC, .sort_level = 1};
-    std::vector<FieldRow> fields = {id, {.name = field, .type = type, .in_statement = false}};
-    if (field == std::string_view("ID")) fields.pop_back();
-    fields.back().conditions = {{kind, value, secondary}};
-    auto query = BuildQuery({{"Customers", fields}});
-    EXPECT_EQ(Rows(query->ReturnSQL()), ids) << query->ReturnSQL();
-  }
-}
-
-TEST_F(SqliteEndToEnd, JoinedTablesWithGroupsOrderAndLimit) {
-  // clang-format off
-  auto query = BuildQuery({
-      {"Customers", {{.name = "ID", .type = N, .place = 1, .links = "Orders.CustomerID", .group_level = 1,
-                      .sort = DESC, .sort_level = 1},
-                     {.name = "Credit Limit", .type = N, .alias = "[Credit Limit]", .place = 2, .group_level = 2}}},
-      {"Orders", {{.name = "N", .type = N, .formula = "Count(Orders.Product)"},
-                  {.name = "Product", .conditions = {{qbe_ClauseNotEqual, V("pot")}}, .in_statement = false}}}});
-  // clang-format on
-  EXPECT_EQ(Rows(query->ReturnSQL(2)), (Texts{"4|80.0|2", "1|100.0|2"}));
 }
 
 }  // namespace
