@@ -3,9 +3,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
 #include <pugixml.hpp>
 #include <sstream>
 #include <string>
+
+#include "querybuilder/xqb_query.h"
 
 namespace brix::bench {
 
@@ -16,6 +19,33 @@ inline void SetPerCondition(benchmark::State& state) {
   state.counters["per_condition"] = benchmark::Counter(
       static_cast<double>(state.range(0)),
       benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+
+/// A query of `conditions` conditions, 100 per field, in tables of `fields_per_table` fields
+/// named "Table t" and "Field f". `shape_field(field, f)` sets up each new field and
+/// `fill(condition, field, n)` each condition before it is added; its ConditionID is n % 100.
+template <class ShapeField, class Fill>
+std::shared_ptr<xqb_Query> BuildBenchQuery(int conditions, int fields_per_table,
+                                           ShapeField shape_field, Fill fill) {
+  constexpr int kConditionsPerField = 100;
+  auto query = xqb_Query::Create();
+  std::shared_ptr<xqb_Table> table;
+  std::shared_ptr<xqb_Field> field;
+  for (int n = 0; n < conditions; ++n) {
+    const int field_number = n / kConditionsPerField;
+    if (n % (kConditionsPerField * fields_per_table) == 0) {
+      table = query->Tables()->Add("Table " + std::to_string(field_number / fields_per_table));
+    }
+    if (n % kConditionsPerField == 0) {
+      field = table->Fields()->Add("Field " + std::to_string(field_number));
+      shape_field(*field, field_number);
+    }
+    auto condition = xqb_Condition::Create();
+    condition->SetConditionID(n % kConditionsPerField);
+    fill(*condition, *field, n);
+    field->Conditions()->AddObjectCondition(condition);
+  }
+  return query;
 }
 
 /// Times a plain DOM parse of `text`, a new document each time.

@@ -12,32 +12,17 @@ namespace {
 
 using bench::SetPerCondition;
 
-constexpr int kConditionsPerField = 100;
-constexpr int kFieldsPerTable = 10;
-
 // A query of `conditions` conditions: 100 per field, 10 fields per table, values of several
 // kinds, as a host's saved definitions hold them.
 std::shared_ptr<xqb_Query> BuildQuery(int conditions) {
-  auto query = xqb_Query::Create();
+  auto query = bench::BuildBenchQuery(
+      conditions, 10, [](xqb_Field& field, int) { field.SetShowAsType(qbe_DataString); },
+      [](xqb_Condition& condition, const xqb_Field&, int n) {
+        condition.SetClause(static_cast<qbe_ClauseOperator>(1 + n % 20));
+        condition.SetValue(n % 3 == 0 ? Variant(n) : Variant("value " + std::to_string(n)));
+        condition.SetSecondaryValue(n % 5 == 0 ? Variant("a<b") : Variant(""));
+      });
   query->SetQueryName("Bench");
-  std::shared_ptr<xqb_Table> table;
-  std::shared_ptr<xqb_Field> field;
-  for (int n = 0; n < conditions; ++n) {
-    int field_number = n / kConditionsPerField;
-    if (n % (kConditionsPerField * kFieldsPerTable) == 0) {
-      table = query->Tables()->Add("Table " + std::to_string(field_number / kFieldsPerTable));
-    }
-    if (n % kConditionsPerField == 0) {
-      field = table->Fields()->Add("Field " + std::to_string(field_number));
-      field->SetShowAsType(qbe_DataString);
-    }
-    auto condition = xqb_Condition::Create();
-    condition->SetConditionID(n % kConditionsPerField);
-    condition->SetClause(static_cast<qbe_ClauseOperator>(1 + n % 20));
-    condition->SetValue(n % 3 == 0 ? Variant(n) : Variant("value " + std::to_string(n)));
-    condition->SetSecondaryValue(n % 5 == 0 ? Variant("a<b") : Variant(""));
-    field->Conditions()->AddObjectCondition(condition);
-  }
   return query;
 }
 

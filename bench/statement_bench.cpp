@@ -12,9 +12,6 @@ namespace {
 
 using bench::SetPerCondition;
 
-constexpr int kConditionsPerField = 100;
-constexpr int kFieldsPerTable = 100;
-
 // Clause kinds that write SQL on a text or number field, and those of a date field.
 constexpr std::array kTextKinds = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 17, 19, 20};
 constexpr std::array kDateKinds = {1, 3, 14, 15, 16, 18, 21, 22, 23, 24, 28, 29};
@@ -35,44 +32,35 @@ int DateOperand(qbe_ClauseOperator kind, int index) {
   }
 }
 
+void ShapeField(xqb_Field& field, int field_number) {
+  constexpr std::array kTypes = {qbe_DataString, qbe_DataNumeric, qbe_DataDate};
+  field.SetDBType(kTypes[field_number % kTypes.size()]);
+  field.SetAppearanceOrder(static_cast<std::int16_t>(field_number % 7));
+  if (field_number % 10 == 0) {
+    field.SetOrderByOrder(qbe_SortAscending);
+    field.SetOrderByLevel(static_cast<std::int16_t>(field_number % 5));
+    field.SetGroupByLevel(static_cast<std::int16_t>(field_number % 3));
+    field.SetLinksWithField("Other.Key");
+  }
+}
+
+void FillCondition(xqb_Condition& condition, const xqb_Field& field, int n) {
+  const int index = n % 100;
+  if (field.DBType() == qbe_DataDate) {
+    condition.SetClause(static_cast<qbe_ClauseOperator>(kDateKinds[n % kDateKinds.size()]));
+    condition.SetValue(Variant(DateOperand(condition.Clause(), index)));
+    condition.SetSecondaryValue(Variant(40200));
+  } else {
+    condition.SetClause(static_cast<qbe_ClauseOperator>(kTextKinds[n % kTextKinds.size()]));
+    condition.SetValue(Variant("O'Brien " + std::to_string(index)));
+    condition.SetSecondaryValue(Variant("z"));
+  }
+}
+
 // A query of `conditions` conditions, 100 per field and 100 fields per table, on String, Numeric
 // and Date fields in turn; every tenth field is sorted, grouped and linked to another table.
 std::shared_ptr<xqb_Query> BuildQuery(int conditions) {
-  auto query = xqb_Query::Create();
-  std::shared_ptr<xqb_Table> table;
-  std::shared_ptr<xqb_Field> field;
-  for (int n = 0; n < conditions; ++n) {
-    int field_number = n / kConditionsPerField;
-    if (n % (kConditionsPerField * kFieldsPerTable) == 0) {
-      table = query->Tables()->Add("Table " + std::to_string(field_number / kFieldsPerTable));
-    }
-    if (n % kConditionsPerField == 0) {
-      field = table->Fields()->Add("Field " + std::to_string(field_number));
-      constexpr std::array kTypes = {qbe_DataString, qbe_DataNumeric, qbe_DataDate};
-      field->SetDBType(kTypes[field_number % kTypes.size()]);
-      field->SetAppearanceOrder(static_cast<std::int16_t>(field_number % 7));
-      if (field_number % 10 == 0) {
-        field->SetOrderByOrder(qbe_SortAscending);
-        field->SetOrderByLevel(static_cast<std::int16_t>(field_number % 5));
-        field->SetGroupByLevel(static_cast<std::int16_t>(field_number % 3));
-        field->SetLinksWithField("Other.Key");
-      }
-    }
-    int index = n % kConditionsPerField;
-    auto condition = xqb_Condition::Create();
-    condition->SetConditionID(index);
-    if (field->DBType() == qbe_DataDate) {
-      condition->SetClause(static_cast<qbe_ClauseOperator>(kDateKinds[n % kDateKinds.size()]));
-      condition->SetValue(Variant(DateOperand(condition->Clause(), index)));
-      condition->SetSecondaryValue(Variant(40200));
-    } else {
-      condition->SetClause(static_cast<qbe_ClauseOperator>(kTextKinds[n % kTextKinds.size()]));
-      condition->SetValue(Variant("O'Brien " + std::to_string(index)));
-      condition->SetSecondaryValue(Variant("z"));
-    }
-    field->Conditions()->AddObjectCondition(condition);
-  }
-  return query;
+  return bench::BuildBenchQuery(conditions, 100, ShapeField, FillCondition);
 }
 
 void BM_ReturnSQL(benchmark::State& state) {
