@@ -2,8 +2,10 @@
 // must either succeed or raise brix::Error.
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
+#include "persistence/xml_prop_bag.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
 #include "runtime/error.h"
@@ -30,7 +32,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } catch (const brix::Error&) {
     return 0;
   }
-  Attempt([&] { query->SaveXMLDef(); });
+  // The text written straight from the objects must be the text of the document a bag builds.
+  Attempt([&] {
+    const std::string saved = query->SaveXMLDef();
+    auto bag = brix::XMLPropBag::Create();
+    bag->SaveState(query.get(), query->QueryName());
+    if (bag->Contents() != saved) __builtin_trap();
+  });
   Attempt([&] { query->ReturnSQL(5); });
   Attempt([&] { query->ReturnWHEREConditions(true); });
   Attempt([&] { query->ReturnDTConditions(); });
