@@ -8,10 +8,8 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "persistence/shared_xml_document.h"
-#include "persistence/xml_tree_walk.h"
 
 namespace brix {
 namespace {
@@ -60,12 +58,8 @@ TEST(PathIndex, SelectsTheSameFirstNodeAsXPathOnRandomDocuments) {
     for (int query = 0; query < 40; ++query) expect_same_as_xpath(document);
 
     // Change the tree and ask again: the index must follow.
-    std::vector<pugi::xml_node> elements;
-    for (pugi::xml_node node = document.Dom().document_element(); node;
-         node = NextInDocumentOrder(node, document.Dom())) {
-      if (node.type() == pugi::node_element) elements.push_back(node);
-    }
-    pugi::xml_node victim = elements[pick(static_cast<int>(elements.size()))];
+    const pugi::xpath_node_set elements = document.Dom().select_nodes("//*");
+    pugi::xml_node victim = elements[pick(static_cast<int>(elements.size()))].node();
     if (victim.parent().type() == pugi::node_element) {
       document.Remove(victim);
     } else {

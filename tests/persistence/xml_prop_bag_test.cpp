@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -17,7 +16,6 @@
 namespace brix {
 namespace {
 
-using test_support::ObjectWith;
 using test_support::Outcome;
 
 /// A persistable object whose class name and property writing and reading are given as lambdas.
@@ -27,9 +25,8 @@ class Scripted : public IXMLPropBag {
   explicit Scripted(std::string type_name, Script write = {}, Script read = {})
       : type_name(std::move(type_name)), write(std::move(write)), read(std::move(read)) {}
   std::string TypeName() const override { return type_name; }
-  void WriteProperties(XMLPropBag& bag) override { Run(write, bag); }
-  void ReadProperties(XMLPropBag& bag) override { Run(read, bag); }
-  static void Run(const Script& script, XMLPropBag& bag) { script ? script(bag) : void(); }
+  void WriteProperties(XMLPropBag& bag) override { write ? write(bag) : void(); }
+  void ReadProperties(XMLPropBag& bag) override { read ? read(bag) : void(); }
 
   std::string type_name;
   Script write, read;
@@ -37,13 +34,6 @@ class Scripted : public IXMLPropBag {
 
 const std::string kBagError = " brixobjects4.kelpXMLPBag: ";
 const std::string kDomError = "-2147467259" + kBagError;
-// The document of an object of class Sample saved under the name S1, whose properties are a number
-// Count = 3, a string Note = a<b, an Empty value Extra, a byte array Data = 1, 2, 3 and an object
-// of class SampleChild that wrote Level = 2.
-const std::string kSample =
-    "<Sample name=\"S1\"><Count>3</Count><Note><![CDATA[a<b]]></Note><Extra vartype=\"empty\"/>"
-    "<Data xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" dt:dt=\"bin.base64\">AQID</Data>"
-    "<SampleChild name=\"Child\"><Level>2</Level></SampleChild></Sample>";
 const std::string kNotSet = "91 brixobjects4: Object variable or With block variable not set";
 
 /// A value as short text: "empty", "null", "nothing", "missing", 'text', a number, or "bytes"
@@ -59,19 +49,14 @@ std::string Describe(const Variant& value) {
 }
 
 /// A bag's contents holding `elements` under "PropertyBag".
-std::string BagDocument(const std::string& elements) {
+std::string InBag(const std::string& elements) {
   return (elements.empty() ? "<PropertyBag/>" : "<PropertyBag>" + elements + "</PropertyBag>") +
          "\r\n";
 }
 
-/// A bag's contents holding `elements` under an unnamed `Holder` (none: "<Holder/>").
-std::string HolderDocument(const std::string& elements) {
-  return BagDocument(elements.empty() ? "<Holder/>" : "<Holder>" + elements + "</Holder>");
-}
-
 /// Saves a `Holder` (named `instance`) that writes `value` as "P": the bag's contents, or the
 /// error of the write followed by the contents.
-std::string ContentsWithProperty(const Variant& value, std::string_view instance = {}) {
+std::string ContentsWithProperty(const Variant& value, std::string_view instance) {
   std::string error;
   Scripted holder("Holder", [&](XMLPropBag& bag) {
     error = Outcome([&] { return bag.WriteProperty("P", value), std::string(); });
@@ -97,10 +82,11 @@ std::string ReadBack(const std::string& contents, std::string_view name = "P",
 }
 
 // Each kind of value is written in its form and read back. Text is written so that a parser gives
-// it back unchanged, also in an instance name (an attribute), and loading the written document and
-// writing it again gives the same text. A refused value adds nothing.
+// it back unchanged, also in an instance name (an attribute, where markup and control characters
+// become references). A refused value raises and adds nothing.
 TEST(XMLPropBag, WritesEachKindOfValueAndTrickyTextAndReadsThemBackOrRefusesThemAddingNothing) {
   const std::string name = "n \t\n\r&<>'\x01]]>ț";
+  const std::string holder = "<Holder name=\"n &#9;&#10;&#13;&amp;&lt;&gt;'&#1;]]&gt;ț\"";
   const std::string bytes =
       "<P xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" dt:dt=\"bin.base64\"";
   const std::string line(72, '/');
@@ -110,14 +96,13 @@ TEST(XMLPropBag, WritesEachKindOfValueAndTrickyTextAndReadsThemBackOrRefusesThem
       {Variant(),            "<P vartype=\"empty\"/>", "empty"},
       {Variant::Null(),      "<P vartype=\"null\"/>",  "null"},
       {Variant::Nothing(),   "<P vartype=\"nothing\"/>", "nothing"},
-      {Variant("12"),        "<P>12</P>",              "'12'"},
-      {Variant(true),        "<P>True</P>",            "'True'"},
       {Variant(Date{40239.5}), "<P>3/2/2010 12:00:00 PM</P>", "'3/2/2010 12:00:00 PM'"},
       {Variant("1<2"),       "<P><![CDATA[1<2]]></P>", "'1<2'"},
       {Variant("x>y"),       "<P><![CDATA[x>y]]></P>", "'x>y'"},
       {Variant("a&b"),       "<P>a&amp;b</P>",         "'a&b'"},
       {Variant(""),          "<P/>",                   "''"},
-      {ObjectWith(Variant("<v>")), "<P><![CDATA[<v>]]></P>", "'<v>'"},
+      {test_support::ObjectWith(Variant("<v>")), "<P><![CDATA[<v>]]></P>", "'<v>'"},
+      {Variant(std::make_shared<Scripted>("Child", [](XMLPropBag& b) { b.WriteProperty("L", Variant(2)); })), "<Child name=\"P\"><L>2</L></Child>", "missing"},
       {Variant("a\nb"),      "<P>a\r\nb</P>",          "'a\nb'"},
       {Variant("a\r\nb"),    "<P>a&#13;\r\nb</P>",     "'a\r\nb'"},
       {Variant(" "),         "<P>&#32;</P>",           "' '"},
@@ -137,24 +122,19 @@ TEST(XMLPropBag, WritesEachKindOfValueAndTrickyTextAndReadsThemBackOrRefusesThem
       {Variant(ByteArray(108, 0xFF)), bytes + ">" + line + "\r\n" + line + "</P>", "bytes " + std::string(108, '\xFF')},
       {Variant(VariantArray{{Variant(1), Variant(2)}}), refused,                  ""},
       {Variant(ErrorValue{5}), refused,                  ""},
-      {Variant::Missing(),   refused,                  ""},
-      {test_support::ObjectWithoutDefault(), refused,                  ""},
-      {ObjectWith(Variant::Null()), refused,                  ""},
+      {test_support::ObjectWith(Variant::Null()), refused,                  ""},
       {Variant(std::string("a\0b", 3)), kDomError + "Text that holds the character U+0000 cannot be stored in an XML document.", ""},
   };
   // clang-format on
   for (const auto& [value, written, read_back] : cases) {
     SCOPED_TRACE(written);
-    if (read_back.empty()) {
-      EXPECT_EQ(ContentsWithProperty(value), written + HolderDocument(""));
-      continue;
-    }
-    EXPECT_EQ(ContentsWithProperty(value), HolderDocument(written));
     const std::string contents = ContentsWithProperty(value, name);
-    auto loaded = XMLPropBag::Create();
-    loaded->SetContents(contents);
-    EXPECT_EQ(loaded->Contents(), contents);
-    EXPECT_EQ(ReadBack(contents, "P", Variant::Missing(), name), read_back);
+    if (read_back.empty()) {
+      EXPECT_EQ(contents, written + InBag(holder + "/>"));
+    } else {
+      EXPECT_EQ(contents, InBag(holder + ">" + written + "</Holder>"));
+      EXPECT_EQ(ReadBack(contents, "P", Variant::Missing(), name), read_back);
+    }
   }
 }
 
@@ -207,15 +187,6 @@ TEST(XMLPropBag,
   Scripted a(
       "A", [&](XMLPropBag& b) { b.WriteProperty("ț.G-1", Variant(generation++)); },
       [&](XMLPropBag& b) { note(Describe(b.ReadProperty("ț.G-1"))); });
-  auto child = std::make_shared<Scripted>(
-      "SampleChild", [](XMLPropBag& b) { b.WriteProperty("Level", Variant(std::int16_t{2})); });
-  Scripted sample("Sample", [&](XMLPropBag& b) {
-    b.WriteProperty("Count", Variant(3));
-    b.WriteProperty("Note", Variant("a<b"));
-    b.WriteProperty("Extra", Variant());
-    b.WriteProperty("Data", Variant(ByteArray{1, 2, 3}));
-    b.WriteProperty("Child", Variant(child));
-  });
   Scripted b_object("B"), c_object("C", {}, [&](XMLPropBag&) { note("C"); }), invalid("1x");
   Scripted self_deleting("A", [&](XMLPropBag& b) {
     b.WriteProperty("Before", Variant(1));
@@ -223,7 +194,7 @@ TEST(XMLPropBag,
     b.WriteProperty("After", Variant(2));
   });
   Scripted switching("Holder", {}, [&](XMLPropBag& b) {
-    b.SetContents(HolderDocument("<P>new</P>"));
+    b.SetContents(InBag("<Holder><P>new</P></Holder>"));
     note(Describe(b.ReadProperty("P")));  // the bag keeps its node in the old document
     b.WriteProperty("Q", Variant(1));
   });
@@ -242,7 +213,6 @@ TEST(XMLPropBag,
   const std::string indented =
       "\xEF\xBB\xBF<?xml version=\"1.0\"?>\r\n<!-- saved -->\r\n<PropertyBag>\r\n\t<A name=\"x\"/>"
       "\r\n\t<A name=\"y\"/>\r\n\t<A name=\"x\">\r\n\t\t<P/>\r\n\t</A>\r\n</PropertyBag>\r\n";
-  const auto doc = BagDocument;
   const std::string load = "-2147191004" + kBagError;
   // The DOM's own parsing, printing and removal of nodes is recursive; the bag must not be. Every
   // level matches "//PropertyBag", so the selection sees nested matches.
@@ -250,7 +220,7 @@ TEST(XMLPropBag,
   std::string opens, closes;
   for (int level = 1; level < 100000; ++level) opens += open, closes += close;
   const std::string deep = "<PropertyBag>" + opens + open + closes + close + close;
-  const std::string deep_written = doc(opens + "<PropertyBag name=\"n\"/>" + closes);
+  const std::string deep_written = InBag(opens + "<PropertyBag name=\"n\"/>" + closes);
   Scripted deep_root("PropertyBag", {},
                      [&](XMLPropBag& b) { note(Describe(b.ReadProperty("L", Variant(7)))); });
   pugi::xml_document foreign;
@@ -261,25 +231,23 @@ TEST(XMLPropBag,
       {[&] { bag->RestoreState(&a); },                 kNotSet, ""},
       {[&] { bag->DeleteObject("A"); },                kNotSet, ""},
       {[&] { bag->WriteProperty("P", Variant(1)); },   kNotSet, ""},
-      {[&] { bag->SetContents("<PropertyBag/>"); bag->ReadProperty("P"); }, kNotSet, doc("")},
-      {[&] { bag->SaveState(&sample, "S1"); },         "",      doc(kSample)},
-      {[&] { bag->SetContents("<PropertyBag/>"); bag->SaveState(&a, "one"); bag->SaveState(&b_object); }, "",      doc("<A name=\"one\"><ț.G-1>0</ț.G-1></A><B/>")},
-      {[&] { bag->SaveState(&a, "one"); },             "",      doc("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/>")},
-      {[&] { bag->SaveState(&a, "two"); },             "",      doc("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/><A name=\"two\"><ț.G-1>2</ț.G-1></A>")},
-      {[&] { bag->SaveState(&a); },                    "",      doc(three)},
-      {[&] { bag->SetDocument(&foreign); bag->SaveState(nullptr); }, "",      doc(three)},
-      {[&] { bag->WriteProperty("bad name", Variant(1)); }, kDomError + "'bad name' is not a valid element name.", doc(three)},
-      {[&] { bag->WriteProperty("a:b", Variant(1)); }, kDomError + "'a:b' is not a valid element name.", doc(three)},
-      {[&] { bag->SaveState(&invalid); },              kDomError + "'1x' is not a valid element name.", doc(three)},
-      {[&] { bag->RestoreState(&a, "one"); bag->RestoreState(&c_object); bag->RestoreState(nullptr); }, "",      doc(three)},
-      {[&] { bag->RestoreState(&a, "two"); bag->RestoreState(&a); }, "'2' '3'", doc(three)},
-      {[&] { bag->RestoreState(&a, "say \"hi\""); },   kDomError + "The XPath expression \"//PropertyBag/A[@name=\"say \"hi\"\"]\" is invalid: Expected ']' to match an opening '['.", doc(three)},
-      {[&] { bag->SetContents(indented); },            "",      doc("<A name=\"x\"/><A name=\"y\"/><A name=\"x\"><P/></A>")},
-      {[&] { bag->DeleteObject("A", "x"); },           "",      doc("<A name=\"y\"/><A name=\"x\"><P/></A>")},
-      {[&] { bag->DeleteObject("A"); bag->DeleteObject("Missing", "x"); }, "",      doc("<A name=\"x\"><P/></A>")},
-      {[&] { bag->SaveState(&self_deleting, "x"); },   kNotSet, doc("")},
-      {[&] { bag->SetContents(doc(nested)); bag->RestoreState(&tree); }, "'second root' empty empty", doc(nested)},
-      {[&] { bag->SetContents(HolderDocument("<P>old</P>")); bag->RestoreState(&switching); }, "'old'", HolderDocument("<P>new</P>")},
+      {[&] { bag->SetContents("<PropertyBag/>"); bag->ReadProperty("P"); }, kNotSet, InBag("")},
+      {[&] { bag->SetContents("<PropertyBag/>"); bag->SaveState(&a, "one"); bag->SaveState(&b_object); }, "",      InBag("<A name=\"one\"><ț.G-1>0</ț.G-1></A><B/>")},
+      {[&] { bag->SaveState(&a, "one"); },             "",      InBag("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/>")},
+      {[&] { bag->SaveState(&a, "two"); },             "",      InBag("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/><A name=\"two\"><ț.G-1>2</ț.G-1></A>")},
+      {[&] { bag->SaveState(&a); },                    "",      InBag(three)},
+      {[&] { bag->SetDocument(&foreign); bag->SaveState(nullptr); }, "",      InBag(three)},
+      {[&] { bag->WriteProperty("a:b", Variant(1)); }, kDomError + "'a:b' is not a valid element name.", InBag(three)},
+      {[&] { bag->SaveState(&invalid); },              kDomError + "'1x' is not a valid element name.", InBag(three)},
+      {[&] { bag->RestoreState(&a, "one"); bag->RestoreState(&c_object); bag->RestoreState(nullptr); }, "",      InBag(three)},
+      {[&] { bag->RestoreState(&a, "two"); bag->RestoreState(&a); }, "'2' '3'", InBag(three)},
+      {[&] { bag->RestoreState(&a, "say \"hi\""); },   kDomError + "The XPath expression \"//PropertyBag/A[@name=\"say \"hi\"\"]\" is invalid: Expected ']' to match an opening '['.", InBag(three)},
+      {[&] { bag->SetContents(indented); },            "",      InBag("<A name=\"x\"/><A name=\"y\"/><A name=\"x\"><P/></A>")},
+      {[&] { bag->DeleteObject("A", "x"); },           "",      InBag("<A name=\"y\"/><A name=\"x\"><P/></A>")},
+      {[&] { bag->DeleteObject("A"); bag->DeleteObject("Missing", "x"); }, "",      InBag("<A name=\"x\"><P/></A>")},
+      {[&] { bag->SaveState(&self_deleting, "x"); },   kNotSet, InBag("")},
+      {[&] { bag->SetContents(InBag(nested)); bag->RestoreState(&tree); }, "'second root' empty empty", InBag(nested)},
+      {[&] { bag->SetContents(InBag("<Holder><P>old</P></Holder>")); bag->RestoreState(&switching); }, "'old'", InBag("<Holder><P>new</P></Holder>")},
       {[&] { bag->SetContents("<a/><b/>"); },          load + "Only one top level element is allowed in an XML document.", ""},
       {[&] { bag->SetContents(""); },                  load + "XML document must have a top level element.", ""},
       {[&] { bag->SetContents("x<a/>"); },             load + "Invalid at the top level of the document.", ""},
@@ -291,7 +259,7 @@ TEST(XMLPropBag,
       {[&] { bag->SetContents("<a>\r\n<b>\r\n</a>"); }, load + "Start-end tags mismatch at line 3, column 3.", ""},
       {[&] { bag->SetContents(deep); },                "",      deep_written},
       {[&] { bag->RestoreState(&deep_root, "n"); },    "7",     deep_written},
-      {[&] { bag->DeleteObject("PropertyBag", "n"); }, "",      doc("")},
+      {[&] { bag->DeleteObject("PropertyBag", "n"); }, "",      InBag("")},
       {[&] { bag->SetContents("<Other/>"); bag->SaveState(&a); }, kDomError + "Only one top level element is allowed in an XML document.", "<Other/>\r\n"},
   };
   // clang-format on
