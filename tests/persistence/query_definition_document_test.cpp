@@ -68,13 +68,16 @@ std::shared_ptr<xqb_Query> RandomQuery(unsigned seed) {
   auto value = [&](bool exotic_allowed, int salt) {
     const Variant values[] = {Variant(),
                               Variant::Null(),
+                              Variant(static_cast<std::int16_t>(number(-300, 300) * 10 + salt)),
                               Variant(number(-100000, 100000) * 10 + salt),
+                              Variant(number(1, 999) / 8.0 + salt * 1000),
                               Variant(number(0, 1) == 1),
                               Variant(Date{static_cast<double>(number(1, 60000) + salt)}),
+                              Variant(Currency{number(-99999, 99999) * 10LL + salt}),
                               Variant(text() + std::to_string(salt)),
                               Variant(ByteArray{1, 2, static_cast<std::uint8_t>(number(0, 255))}),
                               Variant::Nothing()};
-    return values[number(0, exotic_allowed ? 7 : 5)];
+    return values[number(0, exotic_allowed ? 10 : 8)];
   };
   auto query = xqb_Query::Create();
   query->SetQueryName(std::string(1, static_cast<char>('a' + number(0, 25))) + "é");  // no quote
