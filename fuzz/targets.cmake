@@ -1,0 +1,6 @@
+# The fuzz targets, one fuzz/<name>.cpp each. Their seeds live in fuzz/corpus/<name>/, the inputs
+# that once crashed in fuzz/regressions/<name>/, a dictionary (optional) in fuzz/dict/<name>.dict.
+set(BRIX_FUZZ_TARGETS
+  load_xml_def_fuzz
+  text_conversions_fuzz
+)
