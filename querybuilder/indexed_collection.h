@@ -17,12 +17,12 @@ template <class T, class Index>
 class IndexedCollection;
 
 /// A model object that collections index by some of its values. Every setter of such a value
-/// calls `KeyChanged()`; while the object is held by a collection that moves the thread's index
-/// revision, and every collection rebuilds its index before its next lookup. An object filled in
-/// before it is added moves nothing. Objects stay on the thread that created them.
+/// calls `KeyChanged()`; while the object is held by a collection that moves the process-wide
+/// index revision, and every collection rebuilds its index before its next lookup. An object
+/// filled in before it is added moves nothing.
 class IndexedItem : public virtual Object {
  public:
-  /// The current index revision of this thread.
+  /// The current index revision (shared by all threads).
   static std::uint64_t IndexRevision();
 
  protected:
