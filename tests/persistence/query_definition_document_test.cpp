@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -49,69 +48,7 @@ TEST(QueryDefinitionDocument, GoldenDocumentLoadsEveryPropertyAndSavesBackIdenti
   EXPECT_EQ(q->SaveXMLDef(), golden);
 }
 
-// A random tree: tables, fields and conditions in random numbers, and condition values of every
-// kind that a document holds, awkward text among them. Exotic
-// operands (byte arrays, Nothing) make the duplicate test raise, so they only appear in a field's
-// only condition.
-std::shared_ptr<xqb_Query> RandomQuery(unsigned seed) {
-  std::mt19937 random(seed);
-  auto number = [&](int low, int high) { return std::uniform_int_distribution(low, high)(random); };
-  auto text = [&] {
-    static const char* const kPieces[] = {"",    "a",  "Ş",       "<b>", "&amp", "x > y",
-                                          "\n",  "\r", "]]>",     " ",   "12",   "3/1/2010",
-                                          "ț ă", "\"", "'quote'", "\t"};
-    std::string text;
-    for (int n = number(0, 3); n > 0; --n) text += kPieces[number(0, 15)];
-    return text;
-  };
-  // Values differ between a field's conditions (by `salt`), so reloaded texts stay distinct.
-  auto value = [&](bool exotic_allowed, int salt) {
-    const Variant values[] = {Variant(),
-                              Variant::Null(),
-                              Variant(static_cast<std::int16_t>(number(-300, 300) * 10 + salt)),
-                              Variant(number(-100000, 100000) * 10 + salt),
-                              Variant(number(1, 999) / 8.0 + salt * 1000),
-                              Variant(number(0, 1) == 1),
-                              Variant(Date{static_cast<double>(number(1, 60000) + salt)}),
-                              Variant(Currency{number(-99999, 99999) * 10LL + salt}),
-                              Variant(text() + std::to_string(salt)),
-                              Variant(ByteArray{1, 2, static_cast<std::uint8_t>(number(0, 255))}),
-                              Variant::Nothing()};
-    return values[number(0, exotic_allowed ? 10 : 8)];
-  };
-  auto query = xqb_Query::Create();
-  query->SetQueryName(std::string(1, static_cast<char>('a' + number(0, 25))) + "é");  // no quote
-  for (int t = number(0, 3); t > 0; --t) {
-    auto table = query->Tables()->Add("T" + std::to_string(t), text());
-    for (int f = number(0, 4); f > 0; --f) {
-      auto field = table->Fields()->Add("F" + std::to_string(f));
-      field->SetShowAsType(static_cast<qbe_DataType>(number(2, 6)));
-      const int conditions = number(0, 4);
-      for (int c = 0; c < conditions; ++c) {
-        auto condition = test_support::MakeCondition(
-            100 * c + number(0, 99), static_cast<qbe_ClauseOperator>(number(0, 33)),
-            value(conditions == 1, c), value(conditions == 1, c));
-        if (field->Conditions()->ConditionExists(condition->Clause(), condition->Value())) continue;
-        field->Conditions()->AddObjectCondition(condition);
-        condition->SetParamName(text());
-      }
-    }
-  }
-  return query;
-}
-
-TEST(QueryDefinitionDocument, SaveLoadSaveIsAFixedPointForRandomTreesThatHoldOnlyStringForms) {
-  for (unsigned seed = 1; seed <= 200; ++seed) {
-    const std::shared_ptr<xqb_Query> query = RandomQuery(seed);
-    const std::string saved = query->SaveXMLDef();
-    // The text written straight from the objects is the text of the document a bag builds.
-    auto bag = XMLPropBag::Create();
-    bag->SaveState(query.get(), query->QueryName());
-    EXPECT_EQ(bag->Contents(), saved) << "seed " << seed;
-    auto loaded = xqb_Query::Create();
-    loaded->LoadXMLDef(saved);
-    EXPECT_EQ(loaded->SaveXMLDef(), saved) << "seed " << seed;
-  }
+TEST(QueryDefinitionDocument, AnOperandHoldingAnArrayOfVariantsCannotBeSaved) {
   auto query = xqb_Query::Create();
   test_support::AddCondition(*query->Tables()->Add("T")->Fields()->Add("F"), 1, qbe_ClauseInList,
                              Variant(VariantArray{{Variant(1)}, 0}));
