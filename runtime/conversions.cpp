@@ -13,15 +13,15 @@
 #include "runtime/dates.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
+#include "runtime/rounding.h"
 #include "runtime/text.h"
 
 namespace brix {
 namespace {
 
-constexpr double kCurrencyScale = 10000.0;
-// Day numbers just outside the date range: 1 Jan 100 is -657434 and 31 Dec 9999 is 2958465.
-constexpr double kBeforeFirstDate = -657435.0;
-constexpr double kAfterLastDate = 2958466.0;
+// Day numbers just outside the date range.
+constexpr double kBeforeFirstDate = kFirstDateSerial - 1;
+constexpr double kAfterLastDate = kLastDateSerial + 1;
 // The platform's number for an omitted argument used as a value ("Named argument not found").
 constexpr std::int32_t kMissingArgumentNumber = 448;
 
@@ -178,12 +178,7 @@ double ToNumber(const Variant& value) {
 
 template <class Integer>
 Integer ToWhole(const Variant& v) {
-  double rounded = RoundHalfEven(ToNumber(v));
-  if (!(rounded >= std::numeric_limits<Integer>::min() &&
-        rounded <= std::numeric_limits<Integer>::max())) {
-    RaiseRuntimeError(kErrOverflow);
-  }
-  return static_cast<Integer>(rounded);
+  return RoundToWhole<Integer>(ToNumber(v));
 }
 
 // %G with the given precision: shortest of fixed and exponent form, no trailing zeros.
@@ -398,15 +393,20 @@ std::optional<double> TakeTime(std::vector<DateToken>& tokens) {
   return 0.0;
 }
 
-}  // namespace
-
-double RoundHalfEven(double value) {
-  double lower = std::floor(value);
-  double rest = value - lower;
-  if (rest < 0.5) return lower;
-  if (rest > 0.5) return lower + 1;
-  return std::fmod(lower, 2.0) == 0 ? lower : lower + 1;
+// The day number a Format value stands for, or nullopt when it is not one.
+std::optional<double> FormatSerial(const Variant& v) {
+  std::optional<double> number;
+  if (v.IsString()) {
+    if (std::optional<double> date = ParseDate(v.AsString())) return date;
+    number = ParseNumber(v.AsString());
+  } else if (v.IsNumericKind()) {
+    number = v.NumericValue();
+  }
+  if (number && *number > kBeforeFirstDate && *number < kAfterLastDate) return number;
+  return std::nullopt;
 }
+
+}  // namespace
 
 std::optional<double> ParseNumber(std::string_view text) {
   // A run of up to 15 digits, the form of every whole number the library writes, is exact in a
@@ -497,11 +497,7 @@ Currency CCur(const Variant& value) {
   Variant held;
   const Variant& v = SimpleRef(value, held);
   if (v.Type() == vbCurrency) return v.AsCurrency();
-  double scaled = RoundHalfEven(CDbl(v) * kCurrencyScale);
-  // 2^63 is the first value beyond the range; doubles below it convert exactly.
-  constexpr double kLimit = 9223372036854775808.0;
-  if (!(scaled >= -kLimit && scaled < kLimit)) RaiseRuntimeError(kErrOverflow);
-  return Currency{static_cast<std::int64_t>(scaled)};
+  return Currency::FromNumber(CDbl(v));
 }
 
 Date CDate(const Variant& value) {
@@ -531,6 +527,15 @@ bool IsNumeric(const Variant& v) {
 bool IsDate(const Variant& v) {
   if (v.Type() == vbDate) return true;
   return v.IsString() && ParseDate(v.AsString()).has_value();
+}
+
+std::string Format(const Variant& value, std::string_view pattern) {
+  Variant v = SimpleValue(value);
+  if (v.IsNull() || v.IsEmpty()) return {};
+  if (v.IsArray()) RaiseRuntimeError(kErrTypeMismatch);
+  if (pattern.empty()) return CStr(v);
+  if (std::optional<double> serial = FormatSerial(v)) return FormatDate(*serial, pattern);
+  return CStr(v);
 }
 
 }  // namespace brix

@@ -94,7 +94,11 @@ std::optional<double> ParseNumber(std::string_view text);
 /// text is not a date. The current year comes from the library's clock.
 std::optional<double> ParseDate(std::string_view text);
 
-/// Rounds half to even, as the platform's integer conversions do.
-double RoundHalfEven(double value);
+/// The platform's `Format(value, pattern)` for date patterns: a date or number is formatted as a
+/// day number; text is read as a date, else, when the whole text is a number, as a day number,
+/// else returned as it stands. Null and Empty give "". A number outside the date range and an
+/// error value give their string form. An empty pattern gives the string form (`CStr`). An
+/// object is formatted by its default value (91 for Nothing, 438 without one); arrays raise 13.
+std::string Format(const Variant& value, std::string_view pattern);
 
 }  // namespace brix

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -11,15 +12,15 @@
 #include <string>
 #include <vector>
 
-#include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
+#include "runtime/rounding.h"
 
 namespace brix {
 namespace {
 
-constexpr std::int64_t kFirstDay = -657434;  // 1 Jan 100
-constexpr std::int64_t kLastDay = 2958465;   // 31 Dec 9999
+constexpr auto kFirstDay = static_cast<std::int64_t>(kFirstDateSerial);
+constexpr auto kLastDay = static_cast<std::int64_t>(kLastDateSerial);
 constexpr std::int64_t kSecondsPerDay = 86400;
 // Days from 1 Jan 1970 back to day 0, 30 Dec 1899.
 constexpr std::int64_t kUnixEpochDay = 25569;
@@ -32,34 +33,29 @@ constexpr std::array<std::string_view, 7> kDayNames = {"Sunday",   "Monday", "Tu
 
 std::int64_t FloorDiv(std::int64_t a, std::int64_t b) { return a / b - (a % b != 0 && (a < 0)); }
 
-// Day number of a proleptic Gregorian date (any month 1..12 and day, days carry).
+// Day number of a proleptic Gregorian date; the day carries (0 is the last day of the month
+// before). `year` stays within the calendar's reach (+-32767), which covers every argument the
+// date functions accept once their results are checked against the date range.
 std::int64_t DaysFromCivil(std::int64_t year, int month, std::int64_t day) {
-  year -= month <= 2;
-  std::int64_t era = FloorDiv(year, 400);
-  std::int64_t year_of_era = year - era * 400;
-  std::int64_t day_of_year = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  std::int64_t day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
-  return era * 146097 + day_of_era - 719468 + kUnixEpochDay;
+  using namespace std::chrono;
+  const sys_days first{year_month_day{std::chrono::year{static_cast<int>(year)},
+                                      std::chrono::month{static_cast<unsigned>(month)},
+                                      std::chrono::day{1}}};
+  return first.time_since_epoch().count() + day - 1 + kUnixEpochDay;
 }
 
 CivilDate CivilFromDays(std::int64_t serial_day) {
-  std::int64_t z = serial_day - kUnixEpochDay + 719468;
-  std::int64_t era = FloorDiv(z, 146097);
-  std::int64_t day_of_era = z - era * 146097;
-  std::int64_t year_of_era =
-      (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
-  std::int64_t day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
-  std::int64_t mp = (5 * day_of_year + 2) / 153;
-  int day = static_cast<int>(day_of_year - (153 * mp + 2) / 5 + 1);
-  int month = static_cast<int>(mp < 10 ? mp + 3 : mp - 9);
-  auto year = static_cast<int>(year_of_era + era * 400 + (month <= 2));
-  return {year, month, day};
+  using namespace std::chrono;
+  const year_month_day date{sys_days{days{serial_day - kUnixEpochDay}}};
+  return {static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
+          static_cast<int>(static_cast<unsigned>(date.day()))};
 }
 
 int DaysInMonth(std::int64_t year, int month) {
-  static constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-  return month == 2 && leap ? 29 : kDays[month - 1];
+  using namespace std::chrono;
+  const year_month_day_last last{std::chrono::year{static_cast<int>(year)},
+                                 month_day_last{std::chrono::month{static_cast<unsigned>(month)}}};
+  return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
 // A day number as its whole day (the sign belongs to the day) and its time of day.
@@ -357,19 +353,6 @@ std::string Render(const PatternToken& token, const DateTimeParts& p, bool twelv
   return {};
 }
 
-// The day number a Format value stands for, or nullopt when it is not one.
-std::optional<double> FormatSerial(const Variant& v) {
-  std::optional<double> number;
-  if (v.IsString()) {
-    if (std::optional<double> date = ParseDate(v.AsString())) return date;
-    number = ParseNumber(v.AsString());
-  } else if (v.IsNumericKind()) {
-    number = v.NumericValue();
-  }
-  if (number && *number > kFirstDay - 1 && *number < kLastDay + 1) return number;
-  return std::nullopt;
-}
-
 }  // namespace
 
 double DateSerial(int year, int month, int day) {
@@ -383,6 +366,8 @@ double DateSerial(int year, int month, int day) {
   if (year >= 30 && year < 100) year += 1900;
   std::int64_t months = std::int64_t{year} * 12 + (month - 1);
   std::int64_t carried_year = FloorDiv(months, 12);
+  // Beyond the calendar's reach the days (at most 32767) cannot bring the date back into range.
+  if (carried_year < -32767 || carried_year > 32767) RaiseRuntimeError(kErrOverflow);
   auto carried_month = static_cast<int>(months - carried_year * 12 + 1);
   std::int64_t serial = DaysFromCivil(carried_year, carried_month, day);
   if (serial < kFirstDay || serial > kLastDay) RaiseRuntimeError(kErrOverflow);
@@ -406,7 +391,7 @@ int Weekday(double serial, FirstDayOfWeek first_day) {
 }
 
 double DateAdd(DateInterval interval, double number, double serial) {
-  std::int32_t count = CLng(Variant(number));
+  const auto count = RoundToWhole<std::int32_t>(number);
   DayAndTime start = SplitExact(serial);
   std::int64_t day = start.day + count;
   if (interval != DateInterval::kDay) {
@@ -437,15 +422,6 @@ std::string FormatDate(double serial, std::string_view pattern) {
   std::string out;
   for (const PatternToken& token : tokens) out += Render(token, parts, twelve_hour);
   return out;
-}
-
-std::string Format(const Variant& value, std::string_view pattern) {
-  Variant v = SimpleValue(value);
-  if (v.IsNull() || v.IsEmpty()) return {};
-  if (v.IsArray()) RaiseRuntimeError(kErrTypeMismatch);
-  if (pattern.empty()) return CStr(v);
-  if (std::optional<double> serial = FormatSerial(v)) return FormatDate(*serial, pattern);
-  return CStr(v);
 }
 
 }  // namespace brix

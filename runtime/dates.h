@@ -24,6 +24,10 @@ enum FirstDayOfWeek : std::int32_t {
 /// Interval of `DateAdd`.
 enum class DateInterval { kDay, kMonth, kYear };
 
+/// The first and last day of the date range: 1 January 100 and 31 December 9999.
+inline constexpr double kFirstDateSerial = -657434;
+inline constexpr double kLastDateSerial = 2958465;
+
 struct CivilDate {
   int year = 1899;
   int month = 12;
@@ -79,12 +83,5 @@ std::string GeneralDate(double serial);
 /// below 1000. en-US names ("Mar", "March", "Tue", "Tuesday"). Only date patterns are known:
 /// number placeholders such as 0 and # are copied like any other character.
 std::string FormatDate(double serial, std::string_view pattern);
-
-/// The platform's `Format(value, pattern)` for date patterns: a date or number is formatted as a
-/// day number; text is read as a date, else, when the whole text is a number, as a day number,
-/// else returned as it stands. Null and Empty give "". A number outside the date range and an
-/// error value give their string form. An empty pattern gives the string form (`CStr`). An
-/// object is formatted by its default value (91 for Nothing, 438 without one); arrays raise 13.
-std::string Format(const Variant& value, std::string_view pattern);
 
 }  // namespace brix

@@ -16,6 +16,8 @@ set(BRIX_RUNTIME_SOURCES
   runtime/dates.cpp
   runtime/error.cpp
   runtime/object.cpp
+  runtime/rounding.cpp
+  runtime/rounding.h
   runtime/text.cpp
   runtime/variant.cpp
 )

@@ -6,12 +6,12 @@
 
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
+#include "runtime/rounding.h"
 #include "runtime/text.h"
 
 namespace brix {
-namespace {
 
-constexpr double kCurrencyScale = 10000.0;
+namespace {
 
 template <class T>
 Comparison Order(T a, T b) {
@@ -23,9 +23,7 @@ Comparison Order(T a, T b) {
 // A floating value as Currency, as the platform converts it for a comparison with Currency.
 std::int64_t ToScaledCurrency(const Variant& v) {
   if (v.Type() == vbCurrency) return v.AsCurrency().scaled;
-  double scaled = std::nearbyint(v.NumericValue() * kCurrencyScale);
-  if (!(std::fabs(scaled) < 9.2233720368547758e18)) RaiseRuntimeError(kErrOverflow);
-  return static_cast<std::int64_t>(scaled);
+  return Currency::FromNumber(v.NumericValue()).scaled;
 }
 
 Comparison CompareNumbers(const Variant& a, const Variant& b) {
@@ -42,6 +40,10 @@ Comparison CompareNumbers(const Variant& a, const Variant& b) {
 }
 
 }  // namespace
+
+Currency Currency::FromNumber(double value) {
+  return Currency{RoundToWhole<std::int64_t>(value * kScale)};
+}
 
 VarType Variant::Type() const {
   static constexpr VarType kCodes[] = {vbEmpty,  vbNull,     vbInteger, vbLong,   vbSingle,
@@ -85,7 +87,7 @@ double Variant::NumericValue() const {
     case vbDouble:
       return AsDouble();
     case vbCurrency:
-      return static_cast<double>(AsCurrency().scaled) / kCurrencyScale;
+      return static_cast<double>(AsCurrency().scaled) / Currency::kScale;
     case vbDate:
       return AsDate().serial;
     case vbBoolean:

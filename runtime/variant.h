@@ -37,6 +37,11 @@ enum VarType : std::int32_t {
 
 /// Fixed-point money: the value times 10,000.
 struct Currency {
+  /// Currency holds ten-thousandths.
+  static constexpr double kScale = 10000.0;
+  /// `value` rounded half to even to four decimals; beyond the 64-bit range raises 6.
+  static Currency FromNumber(double value);
+
   std::int64_t scaled = 0;
   friend bool operator==(Currency, Currency) = default;
 };

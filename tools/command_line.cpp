@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <chrono>
 #include <limits>
 
 #include "runtime/dates.h"
@@ -143,13 +144,6 @@ int Digits(std::string_view text, std::size_t at, std::size_t count) {
   return value;
 }
 
-bool IsLeapYear(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
-
-int DaysInMonth(int year, int month) {
-  static constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return month == 2 && IsLeapYear(year) ? 29 : kDays[static_cast<std::size_t>(month - 1)];
-}
-
 }  // namespace
 
 std::optional<double> ParseDateTime(std::string_view text) {
@@ -163,8 +157,10 @@ std::optional<double> ParseDateTime(std::string_view text) {
     second = Digits(text, 17, 2);
   }
   // Years below 100 would be read as two-digit years by DateSerial.
-  if (year < 100 || month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, month) ||
-      hour > 23 || minute > 59 || second > 59) {
+  const std::chrono::year_month_day date{std::chrono::year{year},
+                                         std::chrono::month{static_cast<unsigned>(month)},
+                                         std::chrono::day{static_cast<unsigned>(day)}};
+  if (year < 100 || !date.ok() || hour > 23 || minute > 59 || second > 59) {
     return std::nullopt;
   }
   return CombineDateTime(DateSerial(year, month, day),
