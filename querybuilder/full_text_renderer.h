@@ -38,7 +38,7 @@ bool DiffersFromEmptyString(const Variant& value);
 /// - Boolean: non-empty gives "True" or "False" by `CBool`; empty keeps the previous text.
 /// - Date: non-empty gives the operand formatted "dd-MMM-yyyy" (`OperandDateText`: a day-number
 ///   text such as "43051" is that day, 12-Nov-2017; text that is neither a date nor a day number
-///   stays as it is, so that no clause of an indexed Date field raises); empty gives "".
+///   stays as it is, so no text operand of an indexed Date field raises); empty gives "".
 /// - Memo, String, 8, 9, 10: non-empty gives the operand's concatenation text (`ConcatText`);
 ///   when `ShowAsType` is Boolean, an operand equal to True (`VarEqual`, as held: the text "True"
 ///   is not True) gives "1", one equal to False "0", any other keeps the previous text. Empty
