@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "querybuilder/operand_dates.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
 #include "querybuilder/xqb_query.h"
@@ -43,8 +44,6 @@ std::string YesNo(const Variant& operand) { return VarEqual(operand, Variant(tru
 
 std::string Quoted(const Variant& operand) { return "'" + ConcatText(operand) + "'"; }
 
-std::string AsDate(const Variant& operand) { return Format(operand, "dd-MMM-yyyy"); }
-
 OperandTexts TextsOf(const xqb_Field& field, const xqb_Condition& condition) {
   const Variant& value = condition.Value();
   const Variant& secondary = condition.SecondaryValue();
@@ -61,7 +60,7 @@ OperandTexts TextsOf(const xqb_Field& field, const xqb_Condition& condition) {
     case qbe_DataDecimal:
       if (show_as == qbe_DataDate) {
         if (IsCountedClause(condition.Clause())) return {ConcatText(value), ""};
-        return {AsDate(value), AsDate(secondary)};
+        return {OperandDateText(value), OperandDateText(secondary)};
       }
       break;
     default:

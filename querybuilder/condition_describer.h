@@ -19,8 +19,9 @@ class xqb_Query;
 ///   otherwise the concatenation text.
 /// - Numeric and Decimal shown as Date: for the counted clauses (18, 21, 23, 24, 28, 29) the
 ///   first operand's concatenation text and "" (the second operand is not read); for any other
-///   clause both operands through `Format(operand, "dd-MMM-yyyy")` (numbers are day numbers, text
-///   that is no date stays as it is). Shown as another type: the concatenation texts.
+///   clause both operands formatted "dd-MMM-yyyy" (`OperandDateText`: numbers and number texts
+///   are day numbers, text that is no date stays as it is, Empty and Null give ""). Shown as
+///   another type: the concatenation texts.
 /// - Any other type: the concatenation texts.
 /// On the field "Publicatie_Luna" the first text is the Romanian name of the month whose number
 /// is the first operand's concatenation text, "1" to "12" exactly, and "" for any other text.

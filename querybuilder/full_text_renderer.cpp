@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "querybuilder/operand_dates.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
 #include "querybuilder/xqb_query.h"
@@ -30,16 +31,11 @@ bool IsFullTextClause(qbe_ClauseOperator clause) {
 // A day number as the platform writes a number: "40238", "40237.5".
 std::string DayText(double day) { return CStr(Variant(day)); }
 
-std::int32_t DayNumber(const Variant& operand) {
-  if (IsDate(operand)) return CLng(Variant(CDate(operand)));
-  return CLng(operand);
-}
-
 // The operand of a numeric field shown as a date, before the clause sets its bounds.
 std::string DayNumberOperandText(qbe_ClauseOperator clause, const Variant& operand) {
   bool in_list = clause == qbe_ClauseInList;
   bool is_date = IsDate(operand);
-  if ((is_date && !in_list) || IsNumeric(operand)) return std::to_string(DayNumber(operand));
+  if ((is_date && !in_list) || IsNumeric(operand)) return std::to_string(OperandDayNumber(operand));
   switch (clause) {
     case qbe_ClauseInList:
     case qbe_ClauseLastXDays:
@@ -110,8 +106,7 @@ void FullTextRenderer::SetOperandText(const xqb_Field& field, qbe_ClauseOperator
       if (DiffersFromEmptyString(operand)) text = CBool(operand) ? "True" : "False";
       break;
     case qbe_DataDate:
-      text = DiffersFromEmptyString(operand) ? FormatDate(CDate(operand).serial, "dd-MMM-yyyy")
-                                             : std::string();
+      text = DiffersFromEmptyString(operand) ? OperandDateText(operand) : std::string();
       break;
     case qbe_DataMemo:
     case qbe_DataString:
@@ -145,8 +140,8 @@ void FullTextRenderer::SetDayNumberBounds(const xqb_Condition& condition) {
   const Variant& value = condition.Value();
   switch (condition.Clause()) {
     case qbe_ClauseBetween:
-      text1_ = std::to_string(DayNumber(value));
-      text2_ = std::to_string(DayNumber(condition.SecondaryValue()));
+      text1_ = std::to_string(OperandDayNumber(value));
+      text2_ = std::to_string(OperandDayNumber(condition.SecondaryValue()));
       break;
     case qbe_ClauseToday:
       text1_ = text2_ = DayText(today);

@@ -36,8 +36,9 @@ bool DiffersFromEmptyString(const Variant& value);
 ///
 /// Operands, by the field's `DBType`; "non-empty" is `DiffersFromEmptyString`:
 /// - Boolean: non-empty gives "True" or "False" by `CBool`; empty keeps the previous text.
-/// - Date: non-empty gives `CDate(operand)` formatted "dd-MMM-yyyy" (text that is not a date
-///   raises 13, a plain number text included); empty gives "".
+/// - Date: non-empty gives the operand formatted "dd-MMM-yyyy" (`OperandDateText`: a day-number
+///   text such as "43051" is that day, 12-Nov-2017; text that is neither a date nor a day number
+///   stays as it is, so no text operand of an indexed Date field raises); empty gives "".
 /// - Memo, String, 8, 9, 10: non-empty gives the operand's concatenation text (`ConcatText`);
 ///   when `ShowAsType` is Boolean, an operand equal to True (`VarEqual`, as held: the text "True"
 ///   is not True) gives "1", one equal to False "0", any other keeps the previous text. Empty
@@ -47,7 +48,8 @@ bool DiffersFromEmptyString(const Variant& value);
 /// Numeric fields not shown as dates give the concatenation text of a numeric operand
 /// (`IsNumeric`) or of any operand of the in-list clause, else "". Numeric fields shown as dates
 /// hold day numbers: a date operand (except for the in-list clause) or a numeric one gives its
-/// 32-bit day number (`CLng`, a date or date text through `CDate` first; halves round to even);
+/// 32-bit day number (`OperandDayNumber`: as `CLng`, a date or date text read as a date first;
+/// halves round to even);
 /// otherwise the in-list clause and the counted clauses 18, 21, 23, 24 give the concatenation
 /// text and any other clause "". The clause then sets the bounds: Between both operands as day
 /// numbers; Today the query's `Today`; this week the clock's date and, after it, the date minus 7

@@ -20,6 +20,7 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/xqb_query.h
   querybuilder/xqb_table.h
   querybuilder/xqb_tables.h
+  querybuilder/operand_dates.h
 )
 set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/clause_catalogue.cpp
@@ -40,4 +41,5 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/xqb_query.cpp
   querybuilder/xqb_table.cpp
   querybuilder/xqb_tables.cpp
+  querybuilder/operand_dates.cpp
 )

@@ -7,20 +7,18 @@
 #include <string_view>
 #include <utility>
 
+#include "querybuilder/operand_dates.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/dates.h"
-#include "runtime/error.h"
-#include "runtime/error_numbers.h"
 
 namespace brix {
 namespace {
 
 constexpr std::string_view kWildcard = "%";
-constexpr std::string_view kDateFormat = "dd-MMM-yyyy";
 constexpr std::string_view kTimeFormat = "hh:mm";
 
 // The delimiter a database type sets; std::nullopt for the types that keep the previous one.
@@ -51,27 +49,6 @@ bool IsTextType(qbe_DataType type) { return type == qbe_DataMemo || type == qbe_
 // Whole day numbers are written as plain decimal integers.
 std::string DayText(double serial) {
   return std::to_string(static_cast<std::int64_t>(std::trunc(serial)));
-}
-
-// The day of an operand: numbers and number texts are day numbers, dates and date texts give
-// their day; the time of day is dropped. Anything else is a type mismatch.
-double OperandDay(const Variant& operand) {
-  Variant value = SimpleValue(operand);
-  std::optional<double> serial;
-  if (value.Type() == vbDate) {
-    serial = value.AsDate().serial;
-  } else if (value.IsNumericKind() && value.Type() != vbBoolean) {
-    serial = CDate(value).serial;
-  } else if (value.IsString()) {
-    if (std::optional<double> number = ParseNumber(value.AsString())) {
-      serial = CDate(Variant(*number)).serial;
-    } else {
-      serial = ParseDate(value.AsString());
-    }
-  }
-  if (!serial) RaiseRuntimeError(kErrTypeMismatch);
-  // The sign of a date before day 0 belongs to the day alone, so truncation keeps the day.
-  return std::trunc(*serial);
 }
 
 struct DayRange {
@@ -169,7 +146,7 @@ std::string SingleValue(const FieldView& view, const xqb_Condition& condition) {
       case qbe_ClauseLessOrEqual:
       case qbe_ClauseLessThan:
       case qbe_ClauseNotEqual:
-        return Format(condition.Value(), kDateFormat);
+        return OperandDateText(condition.Value());
       case qbe_ClauseToday:
         return DayText(view.today);
       case qbe_ClauseOverXDays:

@@ -29,12 +29,14 @@ class xqb_Query;
 ///   kinds (17, 19) are written as they stand.
 /// - A value is its string form as a concatenation gives it (Null gives ""), except on a Date
 ///   field (`DBType` 3), where the ranges and relative kinds write whole day numbers: Between
-///   converts both operands to days (a number or number text is a day number, a date or date text
-///   gives its day, the time of day is dropped, anything else raises 13); Today is the query's
+///   converts both operands to days (`OperandDay`: a number or number text is a day number, a
+///   date or date text gives its day, the time of day is dropped, Empty is day 0, True day -1,
+///   Null raises 94, other text 13); Today is the query's
 ///   `Today`; this week runs Monday to Sunday, this month and this year from their first to their
 ///   last day, all of the clock's date; the year kind takes the year `CLng(Value)`; the last X /
 ///   next X / over X kinds move `Today` by `CDbl(Value)` days, months or years. Equality and the
-///   comparisons (3, 4, 5, 8, 9, 11) write the value formatted "dd-MMM-yyyy"; the LIKE and list
+///   comparisons (3, 4, 5, 8, 9, 11) write the value formatted "dd-MMM-yyyy" (`OperandDateText`:
+///   "43051" is 12-Nov-2017, text that is no date stays as it is); the LIKE and list
 ///   kinds write the string form.
 /// - The time kinds (30 to 32) write the clock's time as "hh:mm" on any field.
 /// - A Boolean field writes its operators like any other field (" = ", " <> ") with no

@@ -221,6 +221,9 @@ TEST(ConditionDescriber, OperandTexts) {
       {N,              D,            qbe_ClauseEqualTo,   V(Date{40238}), V(""),          "F sa fie 01-Mar-2010"},
       {N,              D,            qbe_ClauseBetween,   V(40238),       V("3/31/2010"), "F este intre 01-Mar-2010 si 31-Mar-2010"},
       {qbe_DataDecimal, D,           qbe_ClauseBetween,   V("40239"),     V("abc"),       "F este intre 02-Mar-2010 si abc"},
+      // A day-number text with a fraction is its day; Empty and Null write nothing.
+      {N,              D,            qbe_ClauseBetween,   V("43051.75"),  V(),            "F este intre 12-Nov-2017 si "},
+      {N,              D,            qbe_ClauseNotEqual,  V::Null(),      V(""),          "F nu este egal cu "},
       {qbe_DataDecimal, D,           qbe_ClauseLastXDays, V(5),           V(""),          "F este in ultimele 5 zile"},
       {N,              D,            qbe_ClauseYear,      V(2010.0),      V(""),          "F este in anul 2010"},
       // Counted clauses never read the second operand.

@@ -75,11 +75,13 @@ TEST(WhereRenderer, ValueTexts) {
       {qbe_DataDate, 29, V(30),              none,       "(F = #40055#)"},
       {qbe_DataDate, 31, s,                  none,       "(F >= #14:30#)"},
       {qbe_DataDate, 2,  V("it's"),          none,       "(F LIKE #%it's%#)"},
+      // A missing bound is Empty, day 0; True is day -1.
+      {qbe_DataDate, 1,  V(),                V(40000),   "(F BETWEEN #0# AND #40000#)"},
+      {qbe_DataDate, 1,  V(true),            V(),        "(F BETWEEN #-1# AND #0#)"},
       // Date operands that do not convert raise.
       {qbe_DataDate, 1,  V("abc"),           V(40000),   kMismatch},
-      {qbe_DataDate, 1,  V(),                V(40000),   kMismatch},
-      {qbe_DataDate, 1,  V::Null(),          V(40000),   kMismatch},
-      {qbe_DataDate, 1,  V(true),            V(40000),   kMismatch},
+      {qbe_DataDate, 1,  V(40000),           V(""),      kMismatch},
+      {qbe_DataDate, 1,  V::Null(),          V(40000),   "94 brixobjects4: Invalid use of Null"},
       {qbe_DataDate, 1,  V(1e7),             V(40000),   kOverflow},
       {qbe_DataDate, 18, V("abc"),           none,       kMismatch},
       {qbe_DataDate, 21, V::Null(),          none,       "94 brixobjects4: Invalid use of Null"},
