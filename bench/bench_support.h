@@ -48,6 +48,20 @@ std::shared_ptr<xqb_Query> BuildBenchQuery(int conditions, int fields_per_table,
   return query;
 }
 
+/// A query of `conditions` conditions: 100 per field, 10 fields per table, values of several
+/// kinds, as a host's saved definitions hold them.
+inline std::shared_ptr<xqb_Query> BuildDefinitionQuery(int conditions) {
+  auto query = BuildBenchQuery(
+      conditions, 10, [](xqb_Field& field, int) { field.SetShowAsType(qbe_DataString); },
+      [](xqb_Condition& condition, const xqb_Field&, int n) {
+        condition.SetClause(static_cast<qbe_ClauseOperator>(1 + n % 20));
+        condition.SetValue(n % 3 == 0 ? Variant(n) : Variant("value " + std::to_string(n)));
+        condition.SetSecondaryValue(n % 5 == 0 ? Variant("a<b") : Variant(""));
+      });
+  query->SetQueryName("Bench");
+  return query;
+}
+
 /// Times a plain DOM parse of `text`, a new document each time.
 inline void TimeDomParse(benchmark::State& state, const std::string& text) {
   for (auto _ : state) {

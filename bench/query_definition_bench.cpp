@@ -12,18 +12,8 @@ namespace {
 
 using bench::SetPerCondition;
 
-// A query of `conditions` conditions: 100 per field, 10 fields per table, values of several
-// kinds, as a host's saved definitions hold them.
 std::shared_ptr<xqb_Query> BuildQuery(int conditions) {
-  auto query = bench::BuildBenchQuery(
-      conditions, 10, [](xqb_Field& field, int) { field.SetShowAsType(qbe_DataString); },
-      [](xqb_Condition& condition, const xqb_Field&, int n) {
-        condition.SetClause(static_cast<qbe_ClauseOperator>(1 + n % 20));
-        condition.SetValue(n % 3 == 0 ? Variant(n) : Variant("value " + std::to_string(n)));
-        condition.SetSecondaryValue(n % 5 == 0 ? Variant("a<b") : Variant(""));
-      });
-  query->SetQueryName("Bench");
-  return query;
+  return bench::BuildDefinitionQuery(conditions);
 }
 
 void BM_SaveXMLDef(benchmark::State& state) {

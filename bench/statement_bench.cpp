@@ -75,8 +75,33 @@ void BM_ReturnWHEREConditions(benchmark::State& state) {
   SetPerCondition(state);
 }
 
+// The mix the peer is timed on (bench/peer): equality, range, starts-with, contains, in-list and
+// null tests in turn, on String fields of 100 conditions each.
+constexpr std::array kPeerMixKinds = {qbe_ClauseEqualTo,  qbe_ClauseBetween, qbe_ClauseStartingWith,
+                                      qbe_ClauseContains, qbe_ClauseInList,  qbe_ClauseIsNull};
+
+void BM_ReturnWHEREConditionsPeerMix(benchmark::State& state) {
+  auto query = bench::BuildBenchQuery(
+      static_cast<int>(state.range(0)), 100,
+      [](xqb_Field& field, int) { field.SetDBType(qbe_DataString); },
+      [](xqb_Condition& condition, const xqb_Field&, int n) {
+        condition.SetClause(kPeerMixKinds[n % kPeerMixKinds.size()]);
+        condition.SetValue(Variant(condition.Clause() == qbe_ClauseInList
+                                       ? "'a" + std::to_string(n) + "', 'b', 'c'"
+                                       : "O'Brien " + std::to_string(n)));
+        condition.SetSecondaryValue(Variant("z" + std::to_string(n)));
+      });
+  for (auto _ : state) benchmark::DoNotOptimize(query->ReturnWHEREConditions());
+  SetPerCondition(state);
+}
+
 BENCHMARK(BM_ReturnSQL)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_ReturnWHEREConditions)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ReturnWHEREConditionsPeerMix)
     ->Arg(1000)
     ->Arg(10000)
     ->Arg(100000)
