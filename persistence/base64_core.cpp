@@ -11,7 +11,8 @@ namespace {
 void EncodeGroupsScalar(const std::uint8_t* in, std::size_t n, std::uint8_t* out) {
   std::size_t i = 0;
   for (; i + 3 <= n; i += 3, out += 4) {
-    const std::uint32_t group = std::uint32_t{in[i]} << 16 | std::uint32_t{in[i + 1]} << 8 | in[i + 2];
+    const std::uint32_t group =
+        std::uint32_t{in[i]} << 16 | std::uint32_t{in[i + 1]} << 8 | in[i + 2];
     out[0] = static_cast<std::uint8_t>(kAlphabet[group >> 18]);
     out[1] = static_cast<std::uint8_t>(kAlphabet[group >> 12 & 63]);
     out[2] = static_cast<std::uint8_t>(kAlphabet[group >> 6 & 63]);
@@ -28,8 +29,7 @@ void EncodeGroupsScalar(const std::uint8_t* in, std::size_t n, std::uint8_t* out
   }
 }
 
-std::size_t DecodeCleanGroupsScalar(const std::uint8_t* in, std::size_t groups,
-                                    std::uint8_t* out) {
+std::size_t DecodeCleanGroupsScalar(const std::uint8_t* in, std::size_t groups, std::uint8_t* out) {
   std::size_t g = 0;
   for (; g < groups; ++g, in += 4, out += 3) {
     const std::uint32_t a = kDecodeTable[in[0]], b = kDecodeTable[in[1]];
@@ -57,7 +57,8 @@ struct NibbleTables {
 constexpr NibbleTables MakeNibbleTables() {
   NibbleTables tables;
   for (int high = 0; high < 16; ++high) {
-    tables.by_high[high] = static_cast<std::int8_t>(high >= 2 && high <= 7 ? 1 << (high - 2) : 0x80);
+    tables.by_high[high] =
+        static_cast<std::int8_t>(high >= 2 && high <= 7 ? 1 << (high - 2) : 0x80);
   }
   for (int low = 0; low < 16; ++low) {
     int bits = 0x80;
@@ -71,22 +72,23 @@ constexpr NibbleTables MakeNibbleTables() {
 constexpr NibbleTables kNibbles = MakeNibbleTables();
 
 // What to add to a valid character to get its value, by high nibble; "/" is moved to entry 1.
-constexpr std::array<std::int8_t, 16> kRollByHigh = {
-    0, 63 - '/', 62 - '+', 52 - '0', -'A', -'A', 26 - 'a', 26 - 'a'};
+constexpr std::array<std::int8_t, 16> kRollByHigh = {0,    63 - '/', 62 - '+', 52 - '0',
+                                                     -'A', -'A',     26 - 'a', 26 - 'a'};
 
 __attribute__((target("avx2"))) __m256i Broadcast16(const std::array<std::int8_t, 16>& bytes) {
-  return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data())));
+  return _mm256_broadcastsi128_si256(
+      _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data())));
 }
 
 // 24 input bytes (two lanes of 12) to 32 characters.
-__attribute__((target("avx2"))) std::size_t EncodeBlocksAvx2(const std::uint8_t* in,
-                                                             std::size_t n, std::uint8_t* out) {
+__attribute__((target("avx2"))) std::size_t EncodeBlocksAvx2(const std::uint8_t* in, std::size_t n,
+                                                             std::uint8_t* out) {
   // Each 32-bit lane gets b1 b0 b2 b1, so that both 16-bit halves hold two 6-bit fields.
   const __m256i spread = _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10, 1, 0,
                                           2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10);
-  const __m256i offsets = _mm256_setr_epi8(71, -4, -4, -4, -4, -4, -4, -4, -4, -4, -4, -19, -16, 65,
-                                           0, 0, 71, -4, -4, -4, -4, -4, -4, -4, -4, -4, -4, -19,
-                                           -16, 65, 0, 0);
+  const __m256i offsets =
+      _mm256_setr_epi8(71, -4, -4, -4, -4, -4, -4, -4, -4, -4, -4, -19, -16, 65, 0, 0, 71, -4, -4,
+                       -4, -4, -4, -4, -4, -4, -4, -4, -19, -16, 65, 0, 0);
   std::size_t i = 0;
   // Each step loads 16 bytes at i and at i + 12.
   for (; i + 28 <= n; i += 24, out += 32) {
@@ -117,8 +119,8 @@ __attribute__((target("avx2"))) std::size_t DecodeCleanGroupsAvx2(const std::uin
   const __m256i by_high = Broadcast16(kNibbles.by_high);
   const __m256i roll = Broadcast16(kRollByHigh);
   const __m256i nibble = _mm256_set1_epi8(0x0F);
-  const __m256i gather = _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1,
-                                          2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1);
+  const __m256i gather = _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1, 2,
+                                          1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1);
   std::size_t g = 0;
   // 8 groups per step; the 32-byte store writes 8 bytes past their 24, so 3 more groups of room
   // must follow.

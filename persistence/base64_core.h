@@ -41,8 +41,7 @@ Kernel BestKernel();
 constexpr std::size_t EncodedSize(std::size_t byte_count) { return (byte_count + 2) / 3 * 4; }
 
 /// Writes the padded Base64 text of `in[0, n)` to `out[0, EncodedSize(n))`, without line breaks.
-void Encode(const std::uint8_t* in, std::size_t n, std::uint8_t* out,
-            Kernel kernel = BestKernel());
+void Encode(const std::uint8_t* in, std::size_t n, std::uint8_t* out, Kernel kernel = BestKernel());
 
 /// Decodes the leading groups of `in` (up to `groups` groups of 4 characters) while all four
 /// characters of a group belong to the alphabet, 3 bytes per group to `out`; stops before the

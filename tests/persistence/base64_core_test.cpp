@@ -80,19 +80,5 @@ TEST_F(Base64Kernels, DecodeStopsAtTheSameGroupForEveryOtherByte) {
   }
 }
 
-TEST_F(Base64Kernels, RoundTripsRandomBytes) {
-  for (std::size_t size : {0u, 1u, 23u, 24u, 25u, 1000u, 4099u, 65536u}) {
-    std::vector<std::uint8_t> in(size);
-    for (auto& byte : in) byte = static_cast<std::uint8_t>(random_());
-    auto text = Encoded(in, Kernel::kAvx2);
-    // The padded last group is not clean: decode the whole groups before it.
-    const std::size_t clean = size / 3 * 4;
-    text.resize(clean);
-    const auto [groups, bytes] = Decoded(text, Kernel::kAvx2);
-    EXPECT_EQ(groups, size / 3);
-    EXPECT_EQ(bytes, std::vector<std::uint8_t>(in.begin(), in.begin() + 3 * groups));
-  }
-}
-
 }  // namespace
 }  // namespace brix

@@ -28,8 +28,14 @@ ByteArray RandomBytes(std::mt19937& random, std::size_t size) {
 
 TEST(ClsBase64, EncodesAndDecodesTheRfc4648Vectors) {
   const std::vector<std::pair<std::string, std::string>> vectors = {
-      {"", ""},         {"f", "Zg=="},         {"fo", "Zm8="},         {"foo", "Zm9v"},
-      {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"}, {"Man", "TWFu"},
+      {"", ""},
+      {"f", "Zg=="},
+      {"fo", "Zm8="},
+      {"foo", "Zm9v"},
+      {"foob", "Zm9vYg=="},
+      {"fooba", "Zm9vYmE="},
+      {"foobar", "Zm9vYmFy"},
+      {"Man", "TWFu"},
       {std::string("\xFF\xFE\x00\x80", 4), "//4AgA=="}};
   auto codec = clsBase64::Create();
   for (const auto& [plain, encoded] : vectors) {
