@@ -37,10 +37,13 @@ class clsBase64 : public Object {
   void Str2ByteArray(const std::string& StringIn, brix::ByteArray& ByteArray);
 
   /// `OutArray` = `InArray` in lines of `CharsPerLine` bytes, each followed by CR LF. The array
-  /// holds n + 2 x lines bytes, lines being n / `CharsPerLine` in single precision, rounded up
-  /// when not whole; copying stops when the array is full. Beyond 2^24 bytes single precision
-  /// can miss a line, and the last CR LF is then dropped, or count one too many, and the last
-  /// two bytes stay 0. `CharsPerLine` below 1 raises 5 "Invalid procedure call or argument".
+  /// holds n + 2 x lines bytes, lines being n / `CharsPerLine` worked out in single precision
+  /// and rounded up when not whole; copying stops when the array is full. Up to 2^24 bytes the
+  /// count is exact, and `Unspan` gives back any input without CR LF pairs (any Base64 text).
+  /// Beyond, single precision can count too few lines, and what does not fit is dropped from
+  /// the end (for 2^24 + 1 bytes in lines of 16, the last CR LF), or too many, and the bytes
+  /// left over at the end stay 0.
+  /// `CharsPerLine` below 1 raises 5 "Invalid procedure call or argument" and leaves `OutArray`.
   void Span(std::int32_t CharsPerLine, const ByteArray& InArray, ByteArray& OutArray);
 
   /// `DataOut` = the bytes of the Base64 text `DataIn`. The array holds floor(3n / 4) - p bytes
