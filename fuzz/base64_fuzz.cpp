@@ -1,10 +1,14 @@
-// Feeds arbitrary bytes to clsBase64: DecodeB64, Unspan and Span never fail on any input (Span
-// only refuses a line length below 1), stay within their arrays, and the round trips hold.
+// Feeds arbitrary bytes to clsBase64 and to the XML bag's "bin.base64" reader: DecodeB64, Unspan
+// and Span never fail on any input (Span only refuses a line length below 1), the bag's reader
+// decodes or raises brix::Error, all stay within their arrays, and the round trips hold.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
+#include "persistence/bin_base64.h"
 #include "persistence/cls_base64.h"
+#include "runtime/error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   auto codec = brix::clsBase64::Create();
@@ -24,5 +28,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   codec->EncodeB64(in, encoded);
   codec->DecodeB64(encoded, decoded);
   if (decoded != in) std::abort();
+  try {
+    brix::DecodeBinBase64(std::string_view(reinterpret_cast<const char*>(data), size));
+  } catch (const brix::Error&) {
+    // Text that is not Base64 raises the bag's error: that is the expected outcome.
+  }
+  if (brix::DecodeBinBase64(brix::EncodeBinBase64(in)) != in) std::abort();
   return 0;
 }
