@@ -3,4 +3,5 @@
 set(BRIX_FUZZ_TARGETS
   load_xml_def_fuzz
   text_conversions_fuzz
+  base64_fuzz
 )

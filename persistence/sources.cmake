@@ -1,13 +1,17 @@
 # Sources and public headers of persistence/.
 set(BRIX_PERSISTENCE_HEADERS
+  persistence/cls_base64.h
   persistence/ixml_prop_bag.h
   persistence/shared_xml_document.h
   persistence/xml_path_index.h
   persistence/xml_prop_bag.h
 )
 set(BRIX_PERSISTENCE_SOURCES
+  persistence/base64_core.cpp
+  persistence/base64_core.h
   persistence/bin_base64.cpp
   persistence/bin_base64.h
+  persistence/cls_base64.cpp
   persistence/shared_xml_document.cpp
   persistence/xml_path_index.cpp
   persistence/query_definition_document.cpp

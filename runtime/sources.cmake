@@ -1,5 +1,6 @@
 # The platform layer: variant, keyed collection, errors, conversions, dates, clock, text.
 set(BRIX_RUNTIME_HEADERS
+  runtime/ansi_code_page.h
   runtime/clock.h
   runtime/conversions.h
   runtime/dates.h
@@ -11,6 +12,7 @@ set(BRIX_RUNTIME_HEADERS
   runtime/variant.h
 )
 set(BRIX_RUNTIME_SOURCES
+  runtime/ansi_code_page.cpp
   runtime/clock.cpp
   runtime/conversions.cpp
   runtime/dates.cpp

@@ -7,7 +7,9 @@
 #include "querybuilder/xqb_query.h"
 #include "runtime/error.h"
 #include "runtime/text.h"
+#include "tools/base64_command.h"
 #include "tools/command_line.h"
+#include "tools/file_access.h"
 #include "tools/query_commands.h"
 
 namespace {
@@ -18,13 +20,19 @@ constexpr int kExitUsage = 2;
 int Main(const std::vector<std::string_view>& args) {
   using namespace brix::brixq;
   Options options;
+  Base64Options base64;
+  const bool is_base64 = IsBase64Command(args);
   try {
-    options = ParseCommandLine(args);
+    if (is_base64) {
+      base64 = ParseBase64CommandLine(args);
+    } else {
+      options = ParseCommandLine(args);
+    }
   } catch (const UsageError& error) {
     std::cerr << "brixq: " << error.what() << "\n\n" << UsageText();
     return kExitUsage;
   }
-  if (options.help) {
+  if (options.help || base64.help) {
     std::cout << UsageText();
     return 0;
   }
@@ -33,7 +41,8 @@ int Main(const std::vector<std::string_view>& args) {
     return 0;
   }
   try {
-    std::cout << RunCommand(options) << std::flush;
+    std::cout << (is_base64 ? RunBase64Command(base64, ReadDefinition("-")) : RunCommand(options))
+              << std::flush;
   } catch (const brix::Error& error) {
     // One line per error: a wrapped library error's CR LF before "Reason: " becomes a blank.
     std::cerr << "brixq: " << brix::ReplaceAll(error.Description(), "\r\n", " ") << " (error "

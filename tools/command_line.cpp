@@ -14,6 +14,7 @@ namespace {
 constexpr std::string_view kUsage =
     R"(Usage: brixq COMMAND [OPTIONS] FILE
        brixq --help | --version
+       brixq b64 encode [--span N] | brixq b64 decode
 
 Loads the query definition document FILE ("-" reads standard input) and prints:
   sql        the SELECT statement (ReturnSQL)
@@ -23,6 +24,11 @@ Loads the query definition document FILE ("-" reads standard input) and prints:
   clauses    one line per field: table, TAB, field, TAB, its available clause numbers
   save       the definition saved again (SaveXMLDef)
   run        the rows the statement selects from an SQLite database, as a table
+
+Reads standard input and prints, with nothing added:
+  b64 encode  its Base64 text (EncodeB64); with --span N in lines of N characters
+              ending in CR LF (Span)
+  b64 decode  its bytes (Unspan, then DecodeB64)
 
 Options:
   --top N             sql, run: at most N rows (LIMIT N); 0, the default, means all
@@ -216,6 +222,11 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
   if (files.size() > 1) throw UsageError("more than one FILE: \"" + std::string(files[1]) + "\"");
   options.file = std::string(files[0]);
   return options;
+}
+
+std::int32_t ParseLongValue(std::string_view option, std::string_view text, std::int32_t low,
+                            std::int32_t high) {
+  return ParseInteger<std::int32_t>(option, text, low, high);
 }
 
 std::string_view UsageText() { return kUsage; }

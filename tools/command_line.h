@@ -51,6 +51,11 @@ Options ParseCommandLine(const std::vector<std::string_view>& args);
 /// range-checked, nothing else accepted); `std::nullopt` for any other text.
 std::optional<double> ParseDateTime(std::string_view text);
 
+/// `text` as a whole number from `low` to `high`; raises `UsageError` naming `--option` for any
+/// other text.
+std::int32_t ParseLongValue(std::string_view option, std::string_view text, std::int32_t low,
+                            std::int32_t high);
+
 /// The usage text printed by --help and after a usage error.
 std::string_view UsageText();
 

@@ -243,6 +243,36 @@ TEST(Brixq, ReadsDateOperandsOfALoadedDefinition) {
   // clang-format on
 }
 
+TEST(Brixq, EncodesAndDecodesBase64BetweenTheStandardStreams) {
+  const std::string span_range = "--span needs a whole number from -2147483648 to 2147483647, not ";
+  // clang-format off
+  ExpectRuns({
+      {{"b64", "encode"},                   0, "TWFu", "", "Man"},
+      {{"b64", "encode"},                   0, "",     "", ""},
+      {{"b64", "encode"},                   0, "AP8=", "", std::string("\0\xFF", 2)},
+      {{"b64", "encode", "--span", "4"},    0, "Zm9v\r\nYmFy\r\n", "", "foobar"},
+      {{"b64", "encode", "--span=5"},       0, "Zm9vY\r\nmFyIQ\r\n==\r\n", "", "foobar!"},
+      {{"b64", "decode"},                   0, "foobar", "", "Zm9v\r\nYmFy\r\n"},
+      {{"b64", "decode"},                   0, std::string("\0\xFF\0", 3), "", "AP8A"},
+      // Decoding rejects nothing: "=" inside the text leaves the counted bytes at the end 0.
+      {{"b64", "decode"},                   0, std::string("MMan\0\0", 6), "", "TQ==TWFu"},
+      {{"b64", "encode", "--span", "0"},    1, "", "Invalid procedure call or argument (error 5)", "x"},
+      {{"b64"},                             2, "", "missing b64 action (encode or decode)"},
+      {{"b64", "frob"},                     2, "", "unknown b64 action \"frob\""},
+      {{"b64", "decode", "--span", "4"},    2, "", "the command b64 decode takes no option --span"},
+      {{"b64", "encode", "--span"},         2, "", "--span needs a value"},
+      {{"b64", "encode", "--span", "4x"},   2, "", span_range + "\"4x\""},
+      {{"b64", "encode", "--top", "3"},     2, "", "unknown option \"--top\""},
+      {{"b64", "encode", kOrders},          2, "", "b64 reads standard input and takes no FILE: \"" + kOrders + "\""},
+  });
+  // clang-format on
+  // A document and every byte value survive encoding in lines and decoding.
+  std::string document = ReadFile(kOrders);
+  for (int c = 0; c < 256; ++c) document += static_cast<char>(c);
+  Outcome encoded = RunBrixq({"b64", "encode", "--span", "76"}, document);
+  EXPECT_EQ(RunBrixq({"b64", "decode"}, encoded.out).out, document);
+}
+
 TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
   // clang-format off
   ExpectRuns({
