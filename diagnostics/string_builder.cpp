@@ -51,8 +51,7 @@ void StringBuilder::SetCapacity(std::int32_t value) {
 bool StringBuilder::CharInRange(std::int32_t position) const {
   // Hosts rely on the position being compared with the length in bytes, which lets positions
   // past the text through; the buffer's own size still bounds the access.
-  return position >= 0 && position < 2 * static_cast<std::int64_t>(length_) &&
-         position < capacity_ / 2;
+  return position >= 0 && position < length_ && position < capacity_ / 2;
 }
 
 std::u16string StringBuilder::Chars(std::int32_t position) const {
@@ -96,12 +95,12 @@ std::int32_t StringBuilder::EnsureCapacity(std::int32_t new_capacity) {
 
 StringBuilder& StringBuilder::Insert(std::int32_t start_index, std::u16string_view text) {
   const std::int64_t start = 2 * static_cast<std::int64_t>(start_index);
-  // The check is against the capacity; a start past the text but inside the capacity would
-  // leave a tail of negative size, which is refused as well.
-  if (start < 0 || start > length_) {
-    RaiseRange("CStringBuilder.Insert", kOutOfRange);
-  }
+  // The check is against the capacity, not the length, so an empty text may be "inserted"
+  // past the end of the text without complaint.
+  if (start < 0 || start > capacity_) RaiseRange("CStringBuilder.Insert", kOutOfRange);
   if (text.empty()) return *this;
+  // A start past the text would leave a tail of negative size to move.
+  if (start > length_) RaiseRange("CStringBuilder.Insert", kOutOfRange);
   const std::int64_t needed = length_ + 2 * static_cast<std::int64_t>(text.size());
   EnsureCapacity(CheckedSize(needed));
   if (scratch_.size() != buffer_.size()) scratch_.assign(buffer_.size(), u'\0');

@@ -67,9 +67,9 @@ class StringBuilder {
   std::int32_t EnsureCapacity(std::int32_t new_capacity);
 
   /// Inserts `text` before character `start_index`. The range check accepts any start whose
-  /// byte offset lies within the capacity (not the length), and then refuses a start past the
-  /// end of the text, since there is no tail to move: both raise "Argument(s) out of range."
-  /// with source "CStringBuilder.Insert". An empty text then changes nothing.
+  /// byte offset lies within the capacity (not the length); an empty text then changes nothing,
+  /// and a non-empty one refuses a start past the end of the text, since there is no tail to
+  /// move. Both refusals raise "Argument(s) out of range." with source "CStringBuilder.Insert".
   StringBuilder& Insert(std::int32_t start_index, std::u16string_view text);
 
   /// Removes `count` characters from character `start_index`. A negative start or count, or a
