@@ -186,7 +186,7 @@ TEST(StringBuilderModel, RandomOperationsAgreeWithTheModel) {
         }
       }
       ASSERT_EQ(actual, expected) << "seed " << seed << " step " << step;
-      ExpectSameState(model, *builder, step);
+      ASSERT_NO_FATAL_FAILURE(ExpectSameState(model, *builder, step)) << "seed " << seed;
     }
   }
 }
