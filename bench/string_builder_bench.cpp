@@ -11,8 +11,8 @@ namespace brix {
 namespace {
 
 // Short pieces of 1 to 16 characters, as a trace or a report is made of.
-const std::array<std::u16string, 6> kPieces = {u"<",        u"errortrace", u">\r\n\t",
-                                               u"Gravitate", u":       ", u"Invalid procedure"};
+const std::array<std::u16string, 6> kPieces = {u"<",         u"errortrace", u">\r\n\t",
+                                               u"Gravitate", u":       ",   u"Invalid procedure"};
 
 std::int64_t TotalUnits(std::int64_t appends) {
   std::int64_t units = 0;

@@ -30,8 +30,7 @@ void AppendAttribute(std::string& out, std::string_view name, std::string_view v
 }
 
 // Where the element's text starts and how long it is; npos when the element is missing.
-std::pair<std::size_t, std::size_t> FindElementText(std::string_view trace,
-                                                    std::string_view name) {
+std::pair<std::size_t, std::size_t> FindElementText(std::string_view trace, std::string_view name) {
   const std::string open = "<" + std::string(name) + ">";
   const std::string close = "</" + std::string(name) + ">";
   const std::size_t open_at = trace.find(open);
@@ -63,10 +62,12 @@ struct ReportRow {
 
 // An empty label is the deliberate empty line between the description and the nice text.
 constexpr ReportRow kReportRows[] = {
-    {"Gravitate", "severity"},      {"Numar eroare", "number"},   {"Descriere", "description"},
-    {"", ""},                       {"Solutionare", "nicetext"},  {"Help text", "helptext"},
-    {"Nume utilizator", "user"},    {"Computer", "computer"},     {"Nume fisier", "program"},
-    {"Cale fisier", "path"},        {"Versiune", "version"},      {"Fisier ajutor", "helpfile"},
+    {"Gravitate", "severity"},    {"Numar eroare", "number"},
+    {"Descriere", "description"}, {"", ""},
+    {"Solutionare", "nicetext"},  {"Help text", "helptext"},
+    {"Nume utilizator", "user"},  {"Computer", "computer"},
+    {"Nume fisier", "program"},   {"Cale fisier", "path"},
+    {"Versiune", "version"},      {"Fisier ajutor", "helpfile"},
     {"Context", "helpcontext"},
 };
 

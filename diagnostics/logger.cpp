@@ -181,14 +181,12 @@ bool Logger::RaiseMesajDeEroare(const Error& error, const std::string& trace) co
   if (!handler_) return false;
   const std::string nice_text = TraceElementText(trace, "nicetext");
   const std::string& message = (debug_mode_ & dbgDisplayOriginalError) ? error.Description()
-                               : !nice_text.empty()                     ? nice_text
-                                                                        : default_message_;
-  const std::string root_error =
-      "(" + std::to_string(error.Number()) + ") " + error.Description();
+                               : !nice_text.empty()                    ? nice_text
+                                                                       : default_message_;
+  const std::string root_error = "(" + std::to_string(error.Number()) + ") " + error.Description();
   bool retry = false;
   handler_(TraceElementText(trace, "severity"), message, txt_description_,
-           TraceElementText(trace, "helptext"), message_title_, log_file_path_, root_error,
-           retry);
+           TraceElementText(trace, "helptext"), message_title_, log_file_path_, root_error, retry);
   return retry;
 }
 

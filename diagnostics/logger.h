@@ -15,12 +15,12 @@ class LoggerFactory;
 
 /// What `Logger::ErrReport` does; flags, combinable.
 enum eDebugModes : std::int32_t {
-  dbgToLogFile = 1,             ///< append the report to the log file
-  dbgMessageBox = 2,            ///< raise the MesajDeEroare event
-  dbgImmediateWindow = 4,       ///< accepted and stored; has no effect
-  dbgEventLog = 8,              ///< write the report to the host's event log
-  dbgDisplayOriginalError = 16, ///< the event's message is the error's own description
-  dbgWriteXMLOut = 32,          ///< the log file receives the XML trace instead of the report
+  dbgToLogFile = 1,              ///< append the report to the log file
+  dbgMessageBox = 2,             ///< raise the MesajDeEroare event
+  dbgImmediateWindow = 4,        ///< accepted and stored; has no effect
+  dbgEventLog = 8,               ///< write the report to the host's event log
+  dbgDisplayOriginalError = 16,  ///< the event's message is the error's own description
+  dbgWriteXMLOut = 32,           ///< the log file receives the XML trace instead of the report
 };
 
 /// The MesajDeEroare event: `WarningLevel`, `Message`, `Details`, `Help`, `Title`,
@@ -85,8 +85,8 @@ class Logger {
 
   // The trace of `error` with this routine added: a new one, or the one its source carries.
   std::string Trace(const Error& error, std::int32_t line, const std::string& module,
-                    const std::string& routine, std::int32_t severity,
-                    const std::string& nice_text, const std::string& help_text) const;
+                    const std::string& routine, std::int32_t severity, const std::string& nice_text,
+                    const std::string& help_text) const;
   void WriteLogFile(const std::string& text) const;
   void WriteEventLog(const std::string& severity_text) const;
   bool RaiseMesajDeEroare(const Error& error, const std::string& trace) const;

@@ -27,10 +27,10 @@ std::shared_ptr<Logger> LoggerFactory::New_Logger(eDebugModes debug_mode,
   logger->app_ = app;
   logger->log_file_path_ =
       log_file_path.empty() ? app->Path() + "/" + app->EXEName() + ".DBG" : log_file_path;
-  logger->default_message_ =
-      default_message.empty() ? "A aparut o eroare in OrlaErrorHandler. Este posibil sa nu "
-                                "poata fi creat fisierul de eroare."
-                              : default_message;
+  logger->default_message_ = default_message.empty()
+                                 ? "A aparut o eroare in OrlaErrorHandler. Este posibil sa nu "
+                                   "poata fi creat fisierul de eroare."
+                                 : default_message;
   logger->message_title_ = message_title.empty() ? app->Title() : message_title;
   return logger;
 }

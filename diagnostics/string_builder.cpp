@@ -108,8 +108,7 @@ StringBuilder& StringBuilder::Insert(std::int32_t start_index, std::u16string_vi
   const std::size_t tail = static_cast<std::size_t>(length_ / 2) - head;
   std::memcpy(scratch_.data(), buffer_.data(), head * sizeof(char16_t));
   std::memcpy(scratch_.data() + head, text.data(), text.size() * sizeof(char16_t));
-  std::memcpy(scratch_.data() + head + text.size(), buffer_.data() + head,
-              tail * sizeof(char16_t));
+  std::memcpy(scratch_.data() + head + text.size(), buffer_.data() + head, tail * sizeof(char16_t));
   // The buffers change roles instead of copying the result back.
   buffer_.swap(scratch_);
   length_ = static_cast<std::int32_t>(needed);

@@ -15,8 +15,8 @@ namespace {
 using test_support::LoggerTest;
 using test_support::RaisesRuntimeError;
 
-const std::string kStack =
-    R"(computer="WS042 time: 02.03.2010 09:30:00" line="120" routine="ReturnSQL" module="xqb_Query")";
+const std::string kStack = R"(computer="WS042 time: 02.03.2010 09:30:00" line="120" )"
+                           R"(routine="ReturnSQL" module="xqb_Query")";
 
 const std::string kExampleTrace =
     "<errortrace>\r\n"
@@ -32,7 +32,8 @@ const std::string kExampleTrace =
     "\t<helpfile></helpfile>\r\n"
     "\t<helpcontext>0</helpcontext>\r\n"
     "\t<severity>Eroare</severity>\r\n"
-    "\t\t<stack " + kStack + "/></errortrace>";
+    "\t\t<stack " +
+    kStack + "/></errortrace>";
 
 const std::string kExampleReport =
     "Gravitate:       Eroare\r\n"
@@ -49,7 +50,8 @@ const std::string kExampleReport =
     "Fisier ajutor:   \r\n"
     "Context:         0\r\n"
     "\r\n"
-    "Stiva apeluri:\r\n" + kStack + "\r\n";
+    "Stiva apeluri:\r\n" +
+    kStack + "\r\n";
 
 TEST_F(LoggerTest, ReportsTheDocumentedExampleByteForByte) {
   auto logger = NewLogger(eDebugModes{0});
@@ -93,18 +95,19 @@ TEST_F(LoggerTest, ErrRaiseTwiceThenReportGivesOneTraceWithThreeStackElements) {
     return std::string(R"(computer="WS042 time: 02.03.2010 09:30:00" line=")") + line +
            R"(" routine=")" + routine + R"(" module=")" + module + "\"";
   };
-  const std::string tail = "\t<severity></severity>\r\n\t\t<stack " + stack("20", "Middle", "modA") +
-                           "/>\r\n\t\t<stack " + stack("30", "Outer", "modB") +
-                           "/>\r\n\t\t<stack " + stack("40", "Top", "modC") + "/></errortrace>";
+  const std::string tail = "\t<severity></severity>\r\n\t\t<stack " +
+                           stack("20", "Middle", "modA") + "/>\r\n\t\t<stack " +
+                           stack("30", "Outer", "modB") + "/>\r\n\t\t<stack " +
+                           stack("40", "Top", "modC") + "/></errortrace>";
   EXPECT_TRUE(trace.ends_with(tail)) << trace;
   EXPECT_EQ(TraceElementText(trace, "nicetext"), "first nice");
   EXPECT_EQ(TraceElementText(trace, "helptext"), "first help");
   EXPECT_EQ(TraceElementText(trace, "description"), "Rows < 0 & more");  // verbatim
   EXPECT_EQ(TraceElementText(trace, "number"), "-2147221497");
   EXPECT_EQ(TraceElementText(trace, "helpcontext"), "42");
-  EXPECT_TRUE(logger->TXTDescription().ends_with(
-      "Stiva apeluri:\r\n" + stack("40", "Top", "modC") + "\r\n" + stack("30", "Outer", "modB") +
-      "\r\n" + stack("20", "Middle", "modA") + "\r\n"))
+  EXPECT_TRUE(logger->TXTDescription().ends_with("Stiva apeluri:\r\n" + stack("40", "Top", "modC") +
+                                                 "\r\n" + stack("30", "Outer", "modB") + "\r\n" +
+                                                 stack("20", "Middle", "modA") + "\r\n"))
       << logger->TXTDescription();
 }
 
@@ -161,8 +164,8 @@ TEST(ErrorTrace, StackAppendCountsPositionsIn16Bits) {
   EXPECT_TRUE(longest.starts_with("<stack a/>\r\n\t\t<stack b/>"));
   std::string too_long = trace_of(32768);
   const std::string before = too_long;
-  EXPECT_TRUE(RaisesRuntimeError([&] { AppendTraceElement(too_long, "stack", "b", "/>"); },
-                                 kErrOverflow));
+  EXPECT_TRUE(
+      RaisesRuntimeError([&] { AppendTraceElement(too_long, "stack", "b", "/>"); }, kErrOverflow));
   EXPECT_EQ(too_long, before);
 }
 
@@ -182,7 +185,8 @@ TEST(ErrorTrace, ReportSkipsBlankStackEntriesAndShowsTheNewestFirst) {
   const std::string trace =
       "<severity>Atentie</severity><stack first/>\r\n\t\t<stack   />\r\n\t\t<stack second/>";
   EXPECT_TRUE(ErrorTraceReport(trace).ends_with("Stiva apeluri:\r\nsecond\r\nfirst\r\n"));
-  EXPECT_TRUE(ErrorTraceReport(trace).starts_with("Gravitate:       Atentie\r\nNumar eroare:    \r\n"));
+  EXPECT_TRUE(
+      ErrorTraceReport(trace).starts_with("Gravitate:       Atentie\r\nNumar eroare:    \r\n"));
 }
 
 }  // namespace

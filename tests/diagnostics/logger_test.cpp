@@ -67,8 +67,11 @@ TEST_F(LoggerTest, FactoryRefusesAnythingButAnAppAndFlagsOutside0To63WithOverflo
   auto factory = LoggerFactory::Create();
   EXPECT_EQ(factory, LoggerFactory::Create());
   const std::pair<std::int32_t, std::shared_ptr<Object>> refused[] = {
-      {0, nullptr}, {0, std::make_shared<NotAnApp>()}, {0, std::make_shared<RenamedApp>()},
-      {64, app_},   {-1, app_}};
+      {0, nullptr},
+      {0, std::make_shared<NotAnApp>()},
+      {0, std::make_shared<RenamedApp>()},
+      {64, app_},
+      {-1, app_}};
   for (const auto& [mode, app] : refused) {
     EXPECT_TRUE(RaisesRuntimeError(
         [&] { factory->New_Logger(static_cast<eDebugModes>(mode), app); }, kErrOverflow))
@@ -114,8 +117,8 @@ TEST_F(LoggerTest, EachFlagDoesItsOwnPartOnly) {
                                                 : "";
     EXPECT_EQ(fs::exists(log), c.file != kNothing) << c.mode;
     EXPECT_EQ(ReadFile(log), file) << c.mode;
-    EXPECT_EQ(app_->starts, c.event_log ? std::vector<std::string>{"|0"}
-                                        : std::vector<std::string>{})
+    EXPECT_EQ(app_->starts,
+              c.event_log ? std::vector<std::string>{"|0"} : std::vector<std::string>{})
         << c.mode;
     ASSERT_EQ(app_->events.size(), c.event_log ? 1u : 0u) << c.mode;
     if (c.event_log) {
@@ -139,12 +142,13 @@ TEST_F(LoggerTest, MessageEventCarriesTheReportAndTheFactoryDefaults) {
   custom->ErrReport(kError, 1, "m", "r", 3);
   EXPECT_EQ(*events, std::vector<std::string>{
                          "Atentie|A aparut o eroare in OrlaErrorHandler. Este posibil sa nu poata "
-                         "fi creat fisierul de eroare.|" + details +
+                         "fi creat fisierul de eroare.|" +
+                         details +
                          "|Apasati F1|Host application|C:\\Apps\\Host/hostapp.DBG|"
                          "(5) Invalid procedure call"});
-  EXPECT_EQ(*custom_events, std::vector<std::string>{
-                                "|Mesaj|" + std::to_string(custom->TXTDescription().size()) +
-                                "||Titlu|/l|(5) Invalid procedure call"});
+  EXPECT_EQ(*custom_events,
+            std::vector<std::string>{"|Mesaj|" + std::to_string(custom->TXTDescription().size()) +
+                                     "||Titlu|/l|(5) Invalid procedure call"});
 }
 
 TEST_F(LoggerTest, EventLogTypeFollowsTheSeverityText) {

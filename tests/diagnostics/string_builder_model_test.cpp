@@ -95,13 +95,17 @@ TEST(StringBuilderModel, RandomOperationsAgreeWithTheModel) {
           actual = test_support::Outcome([&] { return std::to_string(b->EnsureCapacity(any)); });
           break;
         case 3:
-          expected = m.CharOk(any / 2) ? std::string(1, char(m.buffer[any / 2]))
-                                       : kRange + "Chars: Tried reading character past end of buffer.";
-          actual = test_support::Outcome([&] { return std::string(1, char(b->Chars(any / 2)[0])); });
+          expected = m.CharOk(any / 2)
+                         ? std::string(1, char(m.buffer[any / 2]))
+                         : kRange + "Chars: Tried reading character past end of buffer.";
+          actual =
+              test_support::Outcome([&] { return std::string(1, char(b->Chars(any / 2)[0])); });
           break;
         case 4:
-          if (m.CharOk(any / 2)) m.buffer[any / 2] = text.empty() ? 0 : text[0];
-          else expected = kRange + "Chars: Tried assigning character past end of buffer.";
+          if (m.CharOk(any / 2))
+            m.buffer[any / 2] = text.empty() ? 0 : text[0];
+          else
+            expected = kRange + "Chars: Tried assigning character past end of buffer.";
           actual = Try([&] { b->SetChars(any / 2, text); });
           break;
         case 5:
