@@ -1,8 +1,11 @@
 // The string builder: byte-counted UTF-16 buffer with quantum growth and a scratch buffer.
 #include "diagnostics/string_builder.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
+#include <utility>
 
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -25,7 +28,20 @@ std::int32_t CheckedSize(std::int64_t bytes) {
 
 }  // namespace
 
-StringBuilder::StringBuilder() : buffer_(static_cast<std::size_t>(capacity_ / 2), u'\0') {}
+void StringBuilder::Units::Reserve(std::size_t units) {
+  if (units <= room) return;
+  const std::size_t grown = std::max(units, 2 * room);
+  void* moved = std::realloc(data.get(), grown * sizeof(char16_t));
+  if (!moved) throw std::bad_alloc();
+  (void)data.release();
+  data.reset(static_cast<char16_t*>(moved));
+  room = grown;
+}
+
+StringBuilder::StringBuilder() {
+  buffer_.Reserve(static_cast<std::size_t>(capacity_ / 2));
+  std::memset(buffer_.data.get(), 0, static_cast<std::size_t>(capacity_));
+}
 
 std::shared_ptr<StringBuilder> StringBuilder::Create() {
   return std::shared_ptr<StringBuilder>(new StringBuilder());
@@ -40,12 +56,18 @@ void StringBuilder::SetCapacity(std::int32_t value) {
   if (value <= 0) return;
   const std::int64_t rounded = (static_cast<std::int64_t>(value) + bump_ - 1) / bump_ * bump_;
   const std::int32_t capacity = CheckedSize(rounded);
-  buffer_.resize(static_cast<std::size_t>(capacity / 2));
+  // The capacity grows by bumps, but the memory behind it doubles, so that growing a long text
+  // bump by bump does not copy it over and over.
+  buffer_.Reserve(static_cast<std::size_t>(capacity / 2));
+  // Units gained read as zeros, also where a smaller capacity had cut the text before.
+  if (capacity > capacity_) {
+    std::memset(buffer_.data.get() + capacity_ / 2, 0,
+                static_cast<std::size_t>(capacity - capacity_));
+  }
   capacity_ = capacity;
   if (length_ > capacity_) length_ = capacity_;
-  // The scratch buffer is sized again without keeping anything: it reads as zeros until the
-  // next Insert writes it.
-  scratch_.clear();
+  // The scratch buffer is sized again without keeping anything.
+  scratch_written_ = false;
 }
 
 bool StringBuilder::CharInRange(std::int32_t position) const {
@@ -58,14 +80,14 @@ std::u16string StringBuilder::Chars(std::int32_t position) const {
   if (!CharInRange(position)) {
     RaiseRange("CStringBuilder.Chars", "Tried reading character past end of buffer.");
   }
-  return std::u16string(1, buffer_[static_cast<std::size_t>(position)]);
+  return std::u16string(1, buffer_.data[static_cast<std::size_t>(position)]);
 }
 
 void StringBuilder::SetChars(std::int32_t position, std::u16string_view value) {
   if (!CharInRange(position)) {
     RaiseRange("CStringBuilder.Chars", "Tried assigning character past end of buffer.");
   }
-  buffer_[static_cast<std::size_t>(position)] = value.empty() ? u'\0' : value.front();
+  buffer_.data[static_cast<std::size_t>(position)] = value.empty() ? u'\0' : value.front();
 }
 
 void StringBuilder::Setlength(std::int32_t value) {
@@ -75,17 +97,10 @@ void StringBuilder::Setlength(std::int32_t value) {
   length_ = bytes;
 }
 
-void StringBuilder::CopyIn(std::u16string_view text, std::int64_t offset) {
-  std::memcpy(buffer_.data() + offset / 2, text.data(), text.size() * sizeof(char16_t));
-}
-
-StringBuilder& StringBuilder::Append(std::u16string_view text) {
-  if (text.empty()) return *this;
-  const std::int64_t needed = length_ + 2 * static_cast<std::int64_t>(text.size());
-  if (needed > capacity_) SetCapacity(CheckedSize(needed));
-  CopyIn(text, length_);
-  length_ = static_cast<std::int32_t>(needed);
-  return *this;
+StringBuilder& StringBuilder::AppendGrowing(std::u16string_view text) {
+  const std::int32_t needed = CheckedSize(length_ + 2 * static_cast<std::int64_t>(text.size()));
+  SetCapacity(needed);
+  return Append(text);
 }
 
 std::int32_t StringBuilder::EnsureCapacity(std::int32_t new_capacity) {
@@ -103,14 +118,21 @@ StringBuilder& StringBuilder::Insert(std::int32_t start_index, std::u16string_vi
   if (start > length_) RaiseRange("CStringBuilder.Insert", kOutOfRange);
   const std::int64_t needed = length_ + 2 * static_cast<std::int64_t>(text.size());
   EnsureCapacity(CheckedSize(needed));
-  if (scratch_.size() != buffer_.size()) scratch_.assign(buffer_.size(), u'\0');
+  if (!scratch_written_) {
+    scratch_.Reserve(static_cast<std::size_t>(capacity_ / 2));
+    std::memset(scratch_.data.get(), 0, static_cast<std::size_t>(capacity_));
+  }
+  char16_t* from = buffer_.data.get();
+  char16_t* to = scratch_.data.get();
   const std::size_t head = static_cast<std::size_t>(start / 2);
   const std::size_t tail = static_cast<std::size_t>(length_ / 2) - head;
-  std::memcpy(scratch_.data(), buffer_.data(), head * sizeof(char16_t));
-  std::memcpy(scratch_.data() + head, text.data(), text.size() * sizeof(char16_t));
-  std::memcpy(scratch_.data() + head + text.size(), buffer_.data() + head, tail * sizeof(char16_t));
-  // The buffers change roles instead of copying the result back.
-  buffer_.swap(scratch_);
+  std::memcpy(to, from, head * sizeof(char16_t));
+  std::memcpy(to + head, text.data(), text.size() * sizeof(char16_t));
+  std::memcpy(to + head + text.size(), from + head, tail * sizeof(char16_t));
+  // The buffers change roles instead of copying the result back; the former buffer, now the
+  // scratch, holds a whole capacity of written units.
+  std::swap(buffer_, scratch_);
+  scratch_written_ = true;
   length_ = static_cast<std::int32_t>(needed);
   return *this;
 }
@@ -125,7 +147,7 @@ StringBuilder& StringBuilder::Remove(std::int32_t start_index, std::int32_t coun
   }
   const std::size_t from = static_cast<std::size_t>((start + bytes) / 2);
   const std::size_t to = static_cast<std::size_t>(start / 2);
-  std::memmove(buffer_.data() + to, buffer_.data() + from,
+  std::memmove(buffer_.data.get() + to, buffer_.data.get() + from,
                (static_cast<std::size_t>(length_ / 2) - from) * sizeof(char16_t));
   length_ -= static_cast<std::int32_t>(bytes);
   return *this;

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,7 +62,13 @@ class StringBuilder {
 
   /// Appends `text`; an empty text changes nothing. Raises 6 when the new length in bytes does
   /// not fit 32 bits.
-  StringBuilder& Append(std::u16string_view text);
+  StringBuilder& Append(std::u16string_view text) {
+    // Inline: hosts append many short strings, and the common case is one copy.
+    if (text.size() > static_cast<std::size_t>(capacity_ - length_) / 2) return AppendGrowing(text);
+    std::memcpy(buffer_.data.get() + length_ / 2, text.data(), text.size() * sizeof(char16_t));
+    length_ += static_cast<std::int32_t>(text.size() * sizeof(char16_t));
+    return *this;
+  }
 
   /// Sets the capacity to `new_capacity` bytes (rounded up as `SetCapacity` does) when it
   /// exceeds the current one; never shrinks. Returns the capacity in bytes.
@@ -78,24 +86,38 @@ class StringBuilder {
   StringBuilder& Remove(std::int32_t start_index, std::int32_t count = 1);
 
   /// The text of the first length bytes.
-  std::u16string ToString() const { return std::u16string(buffer_.data(), length_ / 2); }
+  std::u16string ToString() const { return std::u16string(buffer_.data.get(), length_ / 2); }
 
  private:
   StringBuilder();
 
   // Checks a character position for `Chars`: below twice the length, inside the buffer.
   bool CharInRange(std::int32_t position) const;
-  // Copies `text` into the buffer at byte offset `offset`.
-  void CopyIn(std::u16string_view text, std::int64_t offset);
+  // Append when the text does not fit the capacity: grows it first.
+  StringBuilder& AppendGrowing(std::u16string_view text);
+
+  // Code units in memory from malloc: growing can extend the block in place instead of
+  // copying the text and touching fresh pages each time.
+  struct Units {
+    struct Free {
+      void operator()(char16_t* units) const { std::free(units); }
+    };
+    std::unique_ptr<char16_t[], Free> data;
+    std::size_t room = 0;
+    // Makes room for at least `units` (doubling), keeping the contents; std::bad_alloc when
+    // the memory is not there.
+    void Reserve(std::size_t units);
+  };
 
   std::int32_t bump_ = 4096;
   std::int32_t capacity_ = 4096;
   std::int32_t length_ = 0;
-  // Capacity / 2 code units. Its own allocation may be larger: only Capacity() is observable.
-  std::u16string buffer_;
-  // The second buffer of Insert; empty stands for a zeroed buffer of the capacity, so a builder
-  // that never inserts never allocates it.
-  std::u16string scratch_;
+  // Capacity / 2 code units are in use; the room behind them may be larger.
+  Units buffer_;
+  // The second buffer of Insert. Until Insert writes it after the last change of capacity it
+  // stands for a zeroed buffer, so a builder that never inserts never fills it.
+  Units scratch_;
+  bool scratch_written_ = false;
 };
 
 }  // namespace brix
