@@ -41,4 +41,8 @@ inline constexpr std::int32_t kErrInvalidXMLFile = kObjectErrorBase + 1048 + 294
 /// element, text that holds U+0000.
 inline constexpr std::int32_t kErrXMLDomFailure = static_cast<std::int32_t>(0x80004005u);
 
+// Diagnostics.
+/// Every range error of the string builder (0x80040200).
+inline constexpr std::int32_t kErrStringBuilder = kObjectErrorBase + 512;
+
 }  // namespace brix
