@@ -83,18 +83,16 @@ def bandwidth_table(times):
 
 
 def append_table(times):
-    pairs = [(k, v) for k, v in times.items() if k[0].startswith("BM_") and "Append" in k[0]]
-    if not pairs:
+    def series(name):
+        return [per_condition_ns(times, name, s) for s in SIZES]
+    builder = series("BM_StringBuilderAppend")
+    if all(v is None for v in builder):
         return []
-    lines = ["### String builder", "", "| case | time per run |", "|---|---|"]
-    for (name, arg), seconds in sorted(pairs):
-        lines.append(f"| `{name}{'/' + arg if arg else ''}` | {fmt(seconds * 1e6, 'µs')} |")
-    builder = [s for (n, _), s in pairs if "StringBuilder" in n]
-    reference = [s for (n, _), s in pairs if "U16String" in n or "u16string" in n]
-    if builder and reference:
-        lines.append(f"| ratio to `std::u16string +=` | {builder[0] / reference[0]:.2f}x |")
-    lines += ["", "Target: within 1.3x of `std::u16string::operator+=` with a reserved buffer.", ""]
-    return lines
+    lines = size_table("String builder (`Append` of short pieces)",
+                       [("`StringBuilder::Append`, growing by bumps", builder),
+                        ("`std::u16string::operator+=`, reserved", series("BM_U16StringAppendReserved"))],
+                       "`std::u16string +=`", "within 1.3x of `std::u16string::operator+=` with a reserved buffer.")
+    return [line.replace("per condition", "per append") for line in lines]
 
 
 def plot(times, out_png, data_file):
@@ -136,7 +134,7 @@ def main():
              "each ratio is to a reference measured beside it. Medians of the repetitions, CPU time.",
              "",
              f"Machine: {context.get('num_cpus')} CPUs at {context.get('mhz_per_cpu')} MHz, "
-             f"library build {context.get('library_build_type')}, date {context.get('date')}.", ""]
+             f"Release build, date {context.get('date')}.", ""]
     lines += size_table("Loading (`LoadXMLDef`)",
                         [("`LoadXMLDef`", series("BM_LoadXMLDef")),
                          ("raw pugixml parse of the same text", series("BM_RawPugixmlParse"))],
