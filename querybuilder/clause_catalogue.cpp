@@ -141,6 +141,42 @@ std::string WhereClauseLogicDescription(qbe_WhereClauseLogic logic) {
   }
 }
 
+bool IsFullTextClause(qbe_ClauseOperator clause) {
+  return clause == qbe_ClauseContainsWordsNear || clause == qbe_ClauseContainsWords ||
+         clause == qbe_ClauseContainsExpression;
+}
+
+bool IsCountedClause(qbe_ClauseOperator clause) {
+  switch (clause) {
+    case qbe_ClauseLastXDays:
+    case qbe_ClauseLastXMonths:
+    case qbe_ClauseYear:
+    case qbe_ClauseLastXYears:
+    case qbe_ClauseNextXDays:
+    case qbe_ClauseOverXDays:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool IsRangeClause(qbe_ClauseOperator clause) {
+  switch (clause) {
+    case qbe_ClauseBetween:
+    case qbe_ClauseThisWeek:
+    case qbe_ClauseThisMonth:
+    case qbe_ClauseThisYear:
+    case qbe_ClauseYear:
+    case qbe_ClauseLastXDays:
+    case qbe_ClauseLastXMonths:
+    case qbe_ClauseLastXYears:
+    case qbe_ClauseNextXDays:
+      return true;
+    default:
+      return false;
+  }
+}
+
 std::span<const qbe_ClauseOperator> DefaultAvailableClauses(qbe_DataType show_as_type) {
   switch (show_as_type) {
     case qbe_DataBoolean:

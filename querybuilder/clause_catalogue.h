@@ -12,6 +12,18 @@ namespace brix {
 /// The Romanian text of a clause, with "___" where its values go; "" outside 1..32.
 std::string ClauseDescription(qbe_ClauseOperator clause);
 
+/// The full-text kinds (words near, words, expression): they belong to the full-text request,
+/// and the WHERE text leaves their field out.
+bool IsFullTextClause(qbe_ClauseOperator clause);
+
+/// The kinds whose operand is a count or a year rather than a value of the field: last X days,
+/// months and years, next and over X days, and the year.
+bool IsCountedClause(qbe_ClauseOperator clause);
+
+/// The kinds the WHERE text writes as a range "BETWEEN a AND b": between, this week, month and
+/// year, the year, last X days, months and years, next X days.
+bool IsRangeClause(qbe_ClauseOperator clause);
+
 /// "BLOB", "Boolean", "Date", "Memo", "Numeric" or "String" for 1..6; "" for any other value.
 std::string DataTypeDescription(qbe_DataType data_type);
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "querybuilder/clause_catalogue.h"
 #include "querybuilder/operand_dates.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
@@ -25,20 +26,6 @@ struct OperandTexts {
   std::string first;
   std::string second;
 };
-
-bool IsCountedClause(qbe_ClauseOperator clause) {
-  switch (clause) {
-    case qbe_ClauseLastXDays:
-    case qbe_ClauseLastXMonths:
-    case qbe_ClauseYear:
-    case qbe_ClauseLastXYears:
-    case qbe_ClauseNextXDays:
-    case qbe_ClauseOverXDays:
-      return true;
-    default:
-      return false;
-  }
-}
 
 std::string YesNo(const Variant& operand) { return VarEqual(operand, Variant(true)) ? "Da" : "Nu"; }
 

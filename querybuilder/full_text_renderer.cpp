@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "querybuilder/clause_catalogue.h"
 #include "querybuilder/operand_dates.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
@@ -21,11 +22,6 @@ constexpr std::string_view kDocumentTextField = "Textul_documentului";
 std::string NearOperator(std::int16_t distance) {
   if (distance < 1 || distance > 100) distance = 33;
   return " w/" + std::to_string(distance) + " ";
-}
-
-bool IsFullTextClause(qbe_ClauseOperator clause) {
-  return clause == qbe_ClauseContainsWordsNear || clause == qbe_ClauseContainsWords ||
-         clause == qbe_ClauseContainsExpression;
 }
 
 // A day number as the platform writes a number: "40238", "40237.5".
@@ -198,19 +194,11 @@ void FullTextRenderer::SetDayNumberBounds(const xqb_Condition& condition) {
 
 void FullTextRenderer::AppendClauseText(qbe_ClauseOperator clause, bool document_text,
                                         std::string& field_text) {
+  if (IsRangeClause(clause) || clause == qbe_ClauseToday) {
+    field_text += " contains (" + text1_ + "~~" + text2_ + "))";
+    return;
+  }
   switch (clause) {
-    case qbe_ClauseBetween:
-    case qbe_ClauseToday:
-    case qbe_ClauseThisWeek:
-    case qbe_ClauseThisMonth:
-    case qbe_ClauseLastXDays:
-    case qbe_ClauseLastXMonths:
-    case qbe_ClauseThisYear:
-    case qbe_ClauseYear:
-    case qbe_ClauseLastXYears:
-    case qbe_ClauseNextXDays:
-      field_text += " contains (" + text1_ + "~~" + text2_ + "))";
-      break;
     case qbe_ClauseContains:
     case qbe_ClauseEqualTo:
     case qbe_ClauseOverXDays:

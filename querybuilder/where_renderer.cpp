@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "querybuilder/clause_catalogue.h"
 #include "querybuilder/operand_dates.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
@@ -37,11 +38,6 @@ std::optional<std::string_view> DelimiterOf(qbe_DataType type) {
     default:
       return std::nullopt;
   }
-}
-
-bool IsFullTextKind(qbe_ClauseOperator kind) {
-  return kind == qbe_ClauseContainsWordsNear || kind == qbe_ClauseContainsWords ||
-         kind == qbe_ClauseContainsExpression;
 }
 
 bool IsTextType(qbe_DataType type) { return type == qbe_DataMemo || type == qbe_DataString; }
@@ -208,17 +204,8 @@ void AppendEmptyTest(std::string& out, bool negated, const FieldView& view) {
 
 // The text that follows the field expression for one condition.
 void AppendClause(std::string& out, const FieldView& view, const xqb_Condition& condition) {
+  if (IsRangeClause(condition.Clause())) return AppendRange(out, view, condition);
   switch (condition.Clause()) {
-    case qbe_ClauseBetween:
-    case qbe_ClauseThisWeek:
-    case qbe_ClauseThisMonth:
-    case qbe_ClauseLastXDays:
-    case qbe_ClauseLastXMonths:
-    case qbe_ClauseThisYear:
-    case qbe_ClauseYear:
-    case qbe_ClauseLastXYears:
-    case qbe_ClauseNextXDays:
-      return AppendRange(out, view, condition);
     case qbe_ClauseEqualTo:
     case qbe_ClauseToday:
     case qbe_ClauseOverXDays:
@@ -302,7 +289,7 @@ class FilterWriter {
     std::shared_ptr<xqb_Conditions> conditions = field.Conditions();
     for (const auto& condition : *conditions) {
       if (!condition->ParamName().empty()) continue;
-      if (IsFullTextKind(condition->Clause())) {
+      if (IsFullTextClause(condition->Clause())) {
         // Full-text kinds belong to the search request; the field leaves SQL altogether.
         field_text_.clear();
         continue;
