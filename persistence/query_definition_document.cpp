@@ -16,35 +16,52 @@ namespace {
 
 // One saved property: its element name, how its value is written, and how a read value is
 // converted back. Each class lists its rows once, in document order, for both directions.
+// A property held as text, number or Boolean also gives its string form straight away (into
+// `scratch` when it has to be made), which saves building a variant for each element written.
 template <class T>
 struct Row {
   const char* name;
   std::function<Variant(const T&)> get;
   std::function<void(T&, const Variant&)> set;  // empty: written but never read
+  std::function<std::string_view(const T&, std::string& scratch)> text = nullptr;
 };
+
+// The string forms CStr gives a whole number and a Boolean.
+std::string_view NumberText(std::int32_t value, std::string& scratch) {
+  scratch = std::to_string(value);
+  return scratch;
+}
+
+std::string_view BooleanText(bool value) { return value ? "True" : "False"; }
 
 template <class T, class G, class S>
 Row<T> Text(const char* name, G get, S set) {
   return {name, [get](const T& o) { return Variant(std::string((o.*get)())); },
-          [set](T& o, const Variant& v) { (o.*set)(CStr(v)); }};
+          [set](T& o, const Variant& v) { (o.*set)(CStr(v)); },
+          [get](const T& o, std::string&) { return std::string_view((o.*get)()); }};
 }
 
 template <class T, class A>
 Row<T> Long(const char* name, A (T::*get)() const, void (T::*set)(A)) {
   return {name, [get](const T& o) { return Variant(static_cast<std::int32_t>((o.*get)())); },
-          [set](T& o, const Variant& v) { (o.*set)(static_cast<A>(CLng(v))); }};
+          [set](T& o, const Variant& v) { (o.*set)(static_cast<A>(CLng(v))); },
+          [get](const T& o, std::string& scratch) {
+            return NumberText(static_cast<std::int32_t>((o.*get)()), scratch);
+          }};
 }
 
 template <class T>
 Row<T> Integer(const char* name, std::int16_t (T::*get)() const, void (T::*set)(std::int16_t)) {
   return {name, [get](const T& o) { return Variant((o.*get)()); },
-          [set](T& o, const Variant& v) { (o.*set)(CInt(v)); }};
+          [set](T& o, const Variant& v) { (o.*set)(CInt(v)); },
+          [get](const T& o, std::string& scratch) { return NumberText((o.*get)(), scratch); }};
 }
 
 template <class T>
 Row<T> Boolean(const char* name, bool (T::*get)() const, void (T::*set)(bool)) {
   return {name, [get](const T& o) { return Variant((o.*get)()); },
-          [set](T& o, const Variant& v) { (o.*set)(CBool(v)); }};
+          [set](T& o, const Variant& v) { (o.*set)(CBool(v)); },
+          [get](const T& o, std::string&) { return BooleanText((o.*get)()); }};
 }
 
 template <class T>
@@ -55,7 +72,14 @@ Row<T> Value(const char* name, const Variant& (T::*get)() const, void (T::*set)(
 
 template <class T>
 void WriteRows(const std::vector<Row<T>>& rows, const T& object, XMLPropBag& bag) {
-  for (const Row<T>& row : rows) bag.WriteProperty(row.name, row.get(object));
+  std::string scratch;
+  for (const Row<T>& row : rows) {
+    if (row.text) {
+      bag.WriteText(row.name, row.text(object, scratch));
+    } else {
+      bag.WriteProperty(row.name, row.get(object));
+    }
+  }
 }
 
 // A missing element leaves the property at the value a new object has, so older documents that

@@ -21,10 +21,20 @@ constexpr const char* kDatatypesNamespace = "urn:schemas-microsoft-com:datatypes
 /// dates, text, byte arrays.
 enum class ValueKind { kObject, kEmpty, kNull, kNothing, kBytes, kText, kMarkup, kInvalid };
 
+/// A value sorted for writing. A text value is borrowed from the variant being written, which
+/// outlives the write; any other string form is made and owned here.
 struct ClassifiedValue {
+  ClassifiedValue() = default;
+  ClassifiedValue(ValueKind k, std::string owned = {},
+                  std::shared_ptr<IXMLPropBag> persistable = {})
+      : kind(k), owned_text(std::move(owned)), object(std::move(persistable)) {}
+
   ValueKind kind = ValueKind::kInvalid;
-  std::string text;
+  std::string owned_text;
   std::shared_ptr<IXMLPropBag> object;
+  std::optional<std::string_view> borrowed_text;
+
+  std::string_view Text() const { return borrowed_text.value_or(owned_text); }
 };
 
 /// The persistence interface of the object `value` refers to, sharing the object's ownership.
@@ -34,9 +44,34 @@ std::shared_ptr<IXMLPropBag> PersistableObject(const Variant& value) {
   return persistable ? std::shared_ptr<IXMLPropBag>(object, persistable) : nullptr;
 }
 
+[[noreturn]] void RaiseDomError(std::string description) {
+  RaiseXMLPropBagError(kErrXMLDomFailure, std::move(description));
+}
+
+[[noreturn]] void RaiseUnstorable() {
+  RaiseDomError("Text that holds the character U+0000 cannot be stored in an XML document.");
+}
+
+/// Text goes into a CDATA section when it holds "<" or ">". The document keeps NUL-terminated
+/// strings, so a U+0000 would silently cut the text: it is refused in the same pass.
+ValueKind TextKind(std::string_view text) {
+  bool markup = false;
+  for (const char c : text) {
+    if (c == '\0') RaiseUnstorable();
+    markup |= c == '<' || c == '>';
+  }
+  return markup ? ValueKind::kMarkup : ValueKind::kText;
+}
+
 ClassifiedValue ClassifyText(std::string text) {
-  const bool markup = text.find_first_of("<>") != std::string::npos;
-  return {markup ? ValueKind::kMarkup : ValueKind::kText, std::move(text), nullptr};
+  const ValueKind kind = TextKind(text);
+  return {kind, std::move(text), nullptr};
+}
+
+ClassifiedValue BorrowedText(std::string_view text) {
+  ClassifiedValue value{TextKind(text), {}, nullptr};
+  value.borrowed_text = text;
+  return value;
 }
 
 /// Values whose string form fails (an object without a default value, ...) cannot be written.
@@ -60,7 +95,9 @@ ClassifiedValue Classify(const Variant& value) {
   }
   if (value.IsError()) return {};
   // A text is its own string form; numeric and date texts never hold "<" or ">".
-  if (value.Type() == vbString) return ClassifyText(value.AsString());
+  if (value.Type() == vbString) {
+    return BorrowedText(value.AsString());
+  }
   // Numbers, Booleans, dates and numeric or date texts are written as their string form, which
   // never holds "<" or ">".
   if (IsNumeric(value) || IsDate(value)) return {ValueKind::kText, CStr(value), nullptr};
@@ -68,15 +105,8 @@ ClassifiedValue Classify(const Variant& value) {
   return value.IsByteArray() ? ClassifiedValue{ValueKind::kBytes, {}, nullptr} : ClassifiedValue{};
 }
 
-[[noreturn]] void RaiseDomError(std::string description) {
-  RaiseXMLPropBagError(kErrXMLDomFailure, std::move(description));
-}
-
-/// The document keeps NUL-terminated strings, so a U+0000 would silently cut the text.
 void CheckStorable(std::string_view text) {
-  if (text.find('\0') != std::string_view::npos) {
-    RaiseDomError("Text that holds the character U+0000 cannot be stored in an XML document.");
-  }
+  if (text.find('\0') != std::string_view::npos) RaiseUnstorable();
 }
 
 void CheckElementName(std::string_view name) {
@@ -180,15 +210,29 @@ void WriteValueElement(Sink& sink, std::string_view name, const ClassifiedValue&
     }
     case ValueKind::kText:
       // Empty text leaves the element without children, written as <Name/>.
-      if (!value.text.empty()) sink.Text(value.text);
+      if (!value.Text().empty()) sink.Text(value.Text());
       break;
     case ValueKind::kMarkup:
-      sink.CData(value.text);
+      sink.CData(value.Text());
       break;
     default:
       break;
   }
   sink.EndElement();
+}
+
+/// Writes a value that is not an object as a child element named `name`: into the text being
+/// written when there is one, else under the DOM node `parent()` gives.
+template <class Parent>
+void WriteValue(XmlTextWriter* stream, Parent parent, std::string_view name,
+                const ClassifiedValue& value, const Variant& original) {
+  CheckElementName(name);
+  if (stream) {
+    WriteValueElement(*stream, name, value, original);
+  } else {
+    DomElementSink sink(parent());
+    WriteValueElement(sink, name, value, original);
+  }
 }
 
 }  // namespace
@@ -208,14 +252,13 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
     WriteObject(PropertyName, *value.object);
     return;
   }
-  CheckStorable(value.text);
-  CheckElementName(PropertyName);
-  if (stream_) {
-    WriteValueElement(*stream_, PropertyName, value, PropertyValue);
-  } else {
-    DomElementSink sink(CurrentParent());
-    WriteValueElement(sink, PropertyName, value, PropertyValue);
-  }
+  WriteValue(
+      stream_, [this] { return CurrentParent(); }, PropertyName, value, PropertyValue);
+}
+
+void XMLPropBag::WriteText(std::string_view PropertyName, std::string_view text) {
+  WriteValue(
+      stream_, [this] { return CurrentParent(); }, PropertyName, BorrowedText(text), Variant());
 }
 
 // A persistable object becomes an element named by its class with the property name as its

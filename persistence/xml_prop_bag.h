@@ -49,6 +49,10 @@ class XMLPropBag : public Object {
   void WriteProperty(std::string_view PropertyName, const Variant& PropertyValue,
                      const Variant& DefaultValue = Variant::Missing());
 
+  /// Writes `text` exactly as `WriteProperty(PropertyName, Variant(text))` does, without making
+  /// a variant; for writers that hold plain text.
+  void WriteText(std::string_view PropertyName, std::string_view text);
+
   /// With a persistable object as `DefaultValue`: fills that object in place from the first
   /// element in the document at this bag's path with the object's class and "name" =
   /// `PropertyName`, and returns Empty (also when none matches). Otherwise: the value of the

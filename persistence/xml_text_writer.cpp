@@ -164,8 +164,7 @@ void XmlTextWriter::StartElement(std::string_view name) {
   CloseStartTag();
   out_ += '<';
   out_ += name;
-  if (depth_ == open_names_.size()) open_names_.emplace_back();
-  open_names_[depth_++].assign(name);  // reuses the slot's storage
+  open_names_.push_back(name);
   start_tag_open_ = true;
 }
 
@@ -193,10 +192,11 @@ void XmlTextWriter::EndElement() {
     start_tag_open_ = false;
   } else {
     out_ += "</";
-    out_ += open_names_[depth_ - 1];
+    out_ += open_names_.back();
     out_ += '>';
   }
-  if (--depth_ == 0) out_ += "\r\n";
+  open_names_.pop_back();
+  if (open_names_.empty()) out_ += "\r\n";
 }
 
 void XmlTextWriter::CloseStartTag() {

@@ -15,6 +15,7 @@ class XmlTextWriter {
  public:
   explicit XmlTextWriter(std::string& out) : out_(out) {}
 
+  /// Starts an element; `name` must stay valid until the element ends.
   void StartElement(std::string_view name);
   /// An attribute of the element just started.
   void Attribute(std::string_view name, std::string_view value);
@@ -23,14 +24,13 @@ class XmlTextWriter {
   /// Ends the innermost open element; a top-level element is followed by CR LF.
   void EndElement();
   /// How many elements are open.
-  std::size_t Depth() const { return depth_; }
+  std::size_t Depth() const { return open_names_.size(); }
 
  private:
   void CloseStartTag();
 
   std::string& out_;
-  std::vector<std::string> open_names_;  // slots [0, depth_) name the open elements
-  std::size_t depth_ = 0;
+  std::vector<std::string_view> open_names_;
   bool start_tag_open_ = false;
 };
 
