@@ -341,6 +341,10 @@ pugi::xml_node XMLPropBag::SelectPath(const std::string& xpath,
 Variant XMLPropBag::ReadValue(std::string_view PropertyName, const Variant& DefaultValue) {
   pugi::xml_node element = SelectChild(PropertyName);
   if (!element) return DefaultValue;
+  return ElementValue(element);
+}
+
+Variant XMLPropBag::ElementValue(pugi::xml_node element) {
   if (!element.first_attribute()) return Variant(ElementText(element));  // no marker, no type
   if (pugi::xml_attribute vartype = element.attribute("vartype")) {
     const std::string kind = UpperAscii(vartype.value());

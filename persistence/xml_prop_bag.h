@@ -63,6 +63,9 @@ class XMLPropBag : public Object {
   Variant ReadProperty(std::string_view PropertyName,
                        const Variant& DefaultValue = Variant::Missing());
 
+  /// The value `ReadProperty` gives for a property held in `element`.
+  static Variant ElementValue(pugi::xml_node element);
+
   /// Saves `RootObject` (null: nothing happens) as a root element named by its class, replacing
   /// the first saved element of that class (and `sName`, when not empty), then lets the object
   /// write its properties. Creates the document and its "PropertyBag" element on first use.

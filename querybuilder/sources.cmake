@@ -27,9 +27,13 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/condition_describer.cpp
   querybuilder/condition_index.cpp
   querybuilder/db_name.cpp
+  querybuilder/definition_rows.cpp
+  querybuilder/definition_rows.h
   querybuilder/full_text_renderer.cpp
   querybuilder/indexed_collection.cpp
   querybuilder/parameter_expander.cpp
+  querybuilder/regular_definition_reader.cpp
+  querybuilder/regular_definition_reader.h
   querybuilder/statement_builder.cpp
   querybuilder/vocabulary_lists.cpp
   querybuilder/where_renderer.cpp

@@ -9,6 +9,7 @@
 #include "querybuilder/condition_describer.h"
 #include "querybuilder/full_text_renderer.h"
 #include "querybuilder/parameter_expander.h"
+#include "querybuilder/regular_definition_reader.h"
 #include "querybuilder/statement_builder.h"
 #include "querybuilder/vocabulary_lists.h"
 #include "querybuilder/where_renderer.h"
@@ -171,7 +172,7 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
   try {
     auto bag = XMLPropBag::Create();
     bag->SetContents(XMLDef);
-    bag->RestoreState(this);
+    if (!ReadRegularDefinition(*bag->Document(), *this)) bag->RestoreState(this);
   } catch (const Error& trapped) {
     Raise(kErrLoadXMLDef, "[OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]",
           TrappedDescription("Couldn't load xml query definition!", "", trapped));

@@ -1,0 +1,48 @@
+// The saved properties of each class of the query tree: element names in document order, and
+// how each value is written and read back. Shared by the bag-based and the direct readers.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "querybuilder/xqb_condition.h"
+#include "querybuilder/xqb_field.h"
+#include "querybuilder/xqb_query.h"
+#include "querybuilder/xqb_table.h"
+#include "runtime/variant.h"
+
+namespace brix {
+
+/// One saved property: its element name, its value as written, and how a read value is converted
+/// back. A property held as text, number or Boolean also gives its string form straight away
+/// (into `scratch` when it has to be made), and takes a read text without a variant.
+template <class T>
+struct Row {
+  const char* name;
+  std::function<Variant(const T&)> get;
+  std::function<void(T&, const Variant&)> set;  // empty: written but never read
+  std::function<std::string_view(const T&, std::string& scratch)> text = nullptr;
+  std::function<void(T&, std::string_view)> set_text = nullptr;  // empty: through `set`
+};
+
+const std::vector<Row<xqb_Query>>& QueryRows();
+const std::vector<Row<xqb_Table>>& TableRows();
+const std::vector<Row<xqb_Field>>& FieldRows();
+const std::vector<Row<xqb_Condition>>& ConditionRows();
+
+/// The value of each row on a new object: a missing element leaves the property there, so older
+/// documents that lack a property still load.
+template <class T>
+const std::vector<Variant>& InitialValues(const std::vector<Row<T>>& rows) {
+  static const std::vector<Variant> values = [&rows] {
+    const std::shared_ptr<T> fresh = T::Create();
+    std::vector<Variant> initial;
+    for (const Row<T>& row : rows) initial.push_back(row.get(*fresh));
+    return initial;
+  }();
+  return values;
+}
+
+}  // namespace brix

@@ -1,0 +1,152 @@
+// The direct reading of a definition document gives what reading it through the bag gives, on
+// saved documents and on documents edited away from the usual shape.
+#include "querybuilder/regular_definition_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "persistence/xml_prop_bag.h"
+#include "runtime/error.h"
+#include "tests/support/random_query.h"
+
+namespace brix {
+namespace {
+
+struct Outcome {
+  bool loaded = false;
+  std::string saved;  // the tree saved again, when it loaded
+  std::int32_t number = 0;
+  std::string description;
+};
+
+bool operator==(const Outcome& a, const Outcome& b) {
+  return a.loaded == b.loaded && a.saved == b.saved && a.number == b.number &&
+         a.description == b.description;
+}
+
+std::ostream& operator<<(std::ostream& out, const Outcome& o) {
+  return out << (o.loaded ? "loaded: " + o.saved
+                          : "error " + std::to_string(o.number) + " " + o.description);
+}
+
+Outcome Run(const std::function<void(xqb_Query&)>& read) {
+  try {
+    auto query = xqb_Query::Create();
+    read(*query);
+    return {true, query->SaveXMLDef(), 0, {}};
+  } catch (const Error& error) {
+    return {false, {}, error.Number(), error.Description()};
+  }
+}
+
+Outcome ThroughBag(const std::string& text) {
+  return Run([&](xqb_Query& query) {
+    auto bag = XMLPropBag::Create();
+    bag->SetContents(text);
+    bag->RestoreState(&query);
+  });
+}
+
+/// LoadXMLDef, which reads directly when it can; its errors come wrapped, so only their
+/// inner description is compared.
+Outcome ThroughLoad(const std::string& text) {
+  return Run([&](xqb_Query& query) { query.LoadXMLDef(text); });
+}
+
+bool ReadsDirectly(const std::string& text) {
+  auto bag = XMLPropBag::Create();
+  bag->SetContents(text);
+  auto query = xqb_Query::Create();
+  return ReadRegularDefinition(*bag->Document(), *query);
+}
+
+struct Edit {
+  const char* what;
+  std::vector<std::pair<std::string, std::string>> replacements;  // each of its first match
+  bool stays_regular;
+};
+
+/// `text` with the edit's replacements made in turn; "" when one does not apply.
+std::string Apply(const Edit& edit, std::string text) {
+  for (const auto& [from, to] : edit.replacements) {
+    const std::size_t at = text.find(from);
+    if (at == std::string::npos) return {};
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+const std::vector<Edit> kEdits = {
+    {"a property written twice: the first counts",
+     {{"<Clause>", "<Clause>7</Clause><Clause>"}},
+     true},
+    {"a property missing",
+     {{"<WhereClauseLogic>", "<Gone>"}, {"</WhereClauseLogic>", "</Gone>"}},
+     true},
+    {"an unknown empty element", {{"<IsEditable>", "<Extra/><IsEditable>"}}, true},
+    {"a number with blanks", {{"<ConditionID>", "<ConditionID> 0"}}, true},
+    {"a number in exponent form", {{"<ConditionID>", "<ConditionID>1e1"}}, true},
+    {"a number with a leading zero", {{"<ConditionID>", "<ConditionID>0"}}, true},
+    {"a number out of range", {{"<ConditionID>", "<ConditionID>99999999999"}}, true},
+    {"a number that is text", {{"<Clause>", "<Clause>x"}}, true},
+    {"a Boolean as a number", {{"<IsEditable>True", "<IsEditable>-1"}}, true},
+    {"a Boolean in lower case", {{"<IsEditable>False", "<IsEditable>false"}}, true},
+    {"a Null operand", {{"<Value>", "<Value vartype=\"null\">"}}, true},
+    {"a count above the children present", {{"<ConditionsCount>", "<ConditionsCount>9"}}, true},
+    {"a negative count", {{"<ConditionsCount>", "<ConditionsCount>-"}}, true},
+    {"a count as Null", {{"<FieldsCount>", "<FieldsCount vartype=\"null\">"}}, true},
+    {"a condition named twice", {{"name=\"Condition2\"", "name=\"Condition1\""}}, false},
+    {"conditions out of order", {{"name=\"Condition1\"", "name=\"Condition3\""}}, false},
+    {"markup inside a value",
+     {{"<Tag>",
+       "<Tag><PropertyBag><xqb_Query><TablesCount>0</TablesCount></xqb_Query>"
+       "</PropertyBag>"}},
+     false},
+    {"an unknown element with content", {{"<IsEditable>", "<X><Y/></X><IsEditable>"}}, false},
+    {"a second query",
+     {{"</PropertyBag>", "<xqb_Query><TablesCount>0</TablesCount></xqb_Query></PropertyBag>"}},
+     false},
+};
+
+TEST(RegularDefinitionReader, ReadsSavedDocumentsDirectlyAsTheBagDoes) {
+  for (unsigned seed = 1; seed <= 300; ++seed) {
+    const std::string saved = test_support::RandomQueryMaker(seed).Make()->SaveXMLDef();
+    ASSERT_TRUE(ReadsDirectly(saved)) << "seed " << seed;
+    ASSERT_EQ(ThroughLoad(saved), ThroughBag(saved)) << "seed " << seed;
+  }
+}
+
+TEST(RegularDefinitionReader, EditedDocumentsLoadAsThroughTheBag) {
+  for (const Edit& edit : kEdits) {
+    int tried = 0;
+    for (unsigned seed = 1; seed <= 400 && tried < 10; ++seed) {
+      const std::string saved = test_support::RandomQueryMaker(seed).Make()->SaveXMLDef();
+      const std::string edited = Apply(edit, saved);
+      if (edited.empty()) continue;
+      ++tried;
+      const Outcome bag = ThroughBag(edited);
+      const Outcome load = ThroughLoad(edited);
+      ASSERT_EQ(load.loaded, bag.loaded) << edit.what << ", seed " << seed << "\n" << bag;
+      if (bag.loaded) {
+        ASSERT_EQ(load.saved, bag.saved) << edit.what << ", seed " << seed;
+      } else {
+        ASSERT_NE(load.description.find(bag.description), std::string::npos)
+            << edit.what << ", seed " << seed << "\n"
+            << load << "\n"
+            << bag;
+      }
+      if (!edit.stays_regular) {
+        EXPECT_FALSE(ReadsDirectly(edited)) << edit.what << ", seed " << seed;
+      } else if (bag.loaded) {
+        EXPECT_TRUE(ReadsDirectly(edited)) << edit.what << ", seed " << seed;
+      }
+    }
+    EXPECT_GT(tried, 0) << edit.what << " never applied";
+  }
+}
+
+}  // namespace
+}  // namespace brix
