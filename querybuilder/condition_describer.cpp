@@ -7,6 +7,7 @@
 
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/operand_dates.h"
+#include "querybuilder/tree_walk.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
 #include "querybuilder/xqb_query.h"
@@ -137,20 +138,23 @@ std::string Phrase(qbe_ClauseOperator clause, const std::string& t1, const std::
 }  // namespace
 
 std::string ConditionDescriber::ReturnConditionDescription(std::int32_t condition_id) const {
-  std::shared_ptr<xqb_Tables> tables = query_.Tables();
-  for (const auto& table : *tables) {
-    for (const auto& field : *table->Fields()) {
-      for (const auto& condition : *field->Conditions()) {
-        if (condition->ConditionID() != condition_id) continue;
-        std::string prefix = field->Caption();
-        prefix += tables->Count() < 2 ? " " : " (" + table->Description() + ") ";
-        OperandTexts texts = TextsOf(*field, *condition);
-        if (field->DBName() == kMonthField) texts.first = RomanianMonthName(condition->Value());
-        return prefix + Phrase(condition->Clause(), texts.first, texts.second);
-      }
-    }
-  }
-  return {};
+  std::string description;
+  FindInConditions(
+      query_, [&](const xqb_Table& table, const xqb_Field& field, const xqb_Condition& condition) {
+        if (condition.ConditionID() != condition_id) return false;
+        description = Describe(table, field, condition);
+        return true;
+      });
+  return description;
+}
+
+std::string ConditionDescriber::Describe(const xqb_Table& table, const xqb_Field& field,
+                                         const xqb_Condition& condition) const {
+  std::string prefix = field.Caption();
+  prefix += query_.Tables()->Count() < 2 ? " " : " (" + table.Description() + ") ";
+  OperandTexts texts = TextsOf(field, condition);
+  if (field.DBName() == kMonthField) texts.first = RomanianMonthName(condition.Value());
+  return prefix + Phrase(condition.Clause(), texts.first, texts.second);
 }
 
 }  // namespace brix

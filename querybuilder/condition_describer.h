@@ -6,7 +6,10 @@
 
 namespace brix {
 
+class xqb_Condition;
+class xqb_Field;
 class xqb_Query;
+class xqb_Table;
 
 /// Describes a condition: the field's `Caption`, then " " (one table) or
 /// " (" + the table's `Description` + ") " (two tables or more), then the clause's phrase with
@@ -36,6 +39,10 @@ class ConditionDescriber {
   /// The sentence for the first condition in tree order whose `ConditionID` is `condition_id`, or
   /// "" when none is. Errors of operands that do not convert reach the caller unchanged.
   std::string ReturnConditionDescription(std::int32_t condition_id) const;
+
+  /// The sentence for `condition`, held by `field` of `table` in this query.
+  std::string Describe(const xqb_Table& table, const xqb_Field& field,
+                       const xqb_Condition& condition) const;
 
  private:
   const xqb_Query& query_;

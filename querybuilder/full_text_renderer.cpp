@@ -234,6 +234,8 @@ void FullTextRenderer::AppendClauseText(qbe_ClauseOperator clause, bool document
       // The engine cannot search these; the field's earlier conditions go with them.
       field_text.clear();
       break;
+    default:  // the ranges and Today, written above
+      break;
   }
 }
 

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "querybuilder/full_text_renderer.h"
+#include "querybuilder/tree_walk.h"
 #include "querybuilder/xqb_conditions.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/error.h"
@@ -25,15 +26,14 @@ struct Parameter {
 };
 
 std::optional<Parameter> FindParameter(const xqb_Query& query, std::string_view param_name) {
-  for (const auto& table : *query.Tables()) {
-    for (const auto& field : *table->Fields()) {
-      std::shared_ptr<xqb_Conditions> conditions = field->Conditions();
-      for (const auto& condition : *conditions) {
-        if (condition->ParamName() == param_name) return Parameter{conditions, condition->Clause()};
-      }
-    }
-  }
-  return std::nullopt;
+  std::optional<Parameter> found;
+  FindInConditions(query,
+                   [&](const xqb_Table&, const xqb_Field& field, const xqb_Condition& condition) {
+                     if (condition.ParamName() != param_name) return false;
+                     found = Parameter{field.Conditions(), condition.Clause()};
+                     return true;
+                   });
+  return found;
 }
 
 // The elements of a variant or byte array by position, between its bounds.

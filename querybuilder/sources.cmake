@@ -10,6 +10,7 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/parameter_expander.h
   querybuilder/statement_builder.h
   querybuilder/vocabulary_lists.h
+  querybuilder/tree_walk.h
   querybuilder/where_renderer.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "querybuilder/tree_walk.h"
 #include "querybuilder/where_renderer.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/error.h"
@@ -60,16 +61,6 @@ class SlotList {
   std::string tail_;
 };
 
-// Calls visit(table, field) for every field of every table, in collection order.
-template <class Visit>
-void ForEachField(const xqb_Query& query, Visit visit) {
-  std::shared_ptr<xqb_Tables> tables = query.Tables();
-  for (const auto& table : *tables) {
-    std::shared_ptr<xqb_Fields> fields = table->Fields();
-    for (const auto& field : *fields) visit(*table, *field);
-  }
-}
-
 std::int64_t FieldCount(const xqb_Query& query) {
   std::int64_t count = 0;
   std::shared_ptr<xqb_Tables> tables = query.Tables();
@@ -108,7 +99,8 @@ std::string StatementBuilder::ReturnSQL(std::int32_t top_records) const {
   std::string group_by = ReturnGroupByFields();
   std::string sql = query_.DistinctRows() ? "SELECT DISTINCT " : "SELECT ";
   sql.append(ReturnAllFields(false)).append(" FROM ").append(ReturnTables());
-  // The first evaluation only decides whether the clause is written; the text is a second one.
+  // Kept on purpose: the first evaluation only decides whether the clause is written, the text is
+  // a second one (hosts saw the later minute of a clock that moved in between).
   if (has_filter) sql.append(" WHERE ").append(where.ReturnWHEREConditions(false, nullptr, true));
   if (!group_by.empty()) sql.append(" GROUP BY ").append(group_by);
   if (!order_by.empty()) sql.append(" ORDER BY ").append(order_by);

@@ -11,6 +11,7 @@
 #include "querybuilder/parameter_expander.h"
 #include "querybuilder/regular_definition_reader.h"
 #include "querybuilder/statement_builder.h"
+#include "querybuilder/tree_walk.h"
 #include "querybuilder/vocabulary_lists.h"
 #include "querybuilder/where_renderer.h"
 #include "runtime/clock.h"
@@ -25,7 +26,8 @@ namespace {
 std::vector<std::shared_ptr<xqb_Field>> FieldsInTreeOrder(const xqb_Tables& tables) {
   std::vector<std::shared_ptr<xqb_Field>> fields;
   for (const auto& table : tables) {
-    for (const auto& field : *table->Fields()) fields.push_back(field);
+    const std::shared_ptr<xqb_Fields> table_fields = table->Fields();
+    fields.insert(fields.end(), table_fields->begin(), table_fields->end());
   }
   return fields;
 }
@@ -65,17 +67,13 @@ std::shared_ptr<xqb_Tables> xqb_Query::Tables() const {
 
 void xqb_Query::TableFieldFromCondition(std::int32_t condition_id, std::string& table,
                                         std::string& field) {
-  for (const auto& each_table : *Tables()) {
-    for (const auto& each_field : *each_table->Fields()) {
-      for (const auto& condition : *each_field->Conditions()) {
-        if (condition->ConditionID() == condition_id) {
-          table = each_table->DBName();
-          field = each_field->DBName();
-          return;
-        }
-      }
-    }
-  }
+  FindInConditions(*this, [&](const xqb_Table& each_table, const xqb_Field& each_field,
+                              const xqb_Condition& condition) {
+    if (condition.ConditionID() != condition_id) return false;
+    table = each_table.DBName();
+    field = each_field.DBName();
+    return true;
+  });
 }
 
 void xqb_Query::DeleteAllConditions() {
@@ -84,23 +82,20 @@ void xqb_Query::DeleteAllConditions() {
 
 Variant xqb_Query::ReturnAllClauses() {
   VariantArray rows;
-  for (const auto& table : *Tables()) {
-    for (const auto& field : *table->Fields()) {
-      for (const auto& condition : *field->Conditions()) {
+  ForEachCondition(
+      *this, [&](const xqb_Table& table, const xqb_Field& field, const xqb_Condition& condition) {
         rows.items.emplace_back(VariantArray{{
-            Variant(table->DBName()),
-            Variant(field->DBName()),
-            Variant(condition->ConditionID()),
-            Variant(static_cast<std::int32_t>(condition->Clause())),
-            Variant(condition->ClauseDescription()),
-            condition->Value(),
-            condition->SecondaryValue(),
-            Variant(static_cast<std::int32_t>(condition->WhereClauseLogic())),
-            Variant(condition->ParamName()),
+            Variant(table.DBName()),
+            Variant(field.DBName()),
+            Variant(condition.ConditionID()),
+            Variant(static_cast<std::int32_t>(condition.Clause())),
+            Variant(condition.ClauseDescription()),
+            condition.Value(),
+            condition.SecondaryValue(),
+            Variant(static_cast<std::int32_t>(condition.WhereClauseLogic())),
+            Variant(condition.ParamName()),
         }});
-      }
-    }
-  }
+      });
   return Variant(std::move(rows));
 }
 
@@ -149,6 +144,11 @@ void xqb_Query::AddParamValues(std::string_view param_name, const Variant& param
 
 std::string xqb_Query::ReturnConditionDescription(std::int32_t condition_id) const {
   return ConditionDescriber(*this).ReturnConditionDescription(condition_id);
+}
+
+std::string xqb_Query::DescribeCondition(const xqb_Table& table, const xqb_Field& field,
+                                         const xqb_Condition& condition) const {
+  return ConditionDescriber(*this).Describe(table, field, condition);
 }
 
 std::string xqb_Query::GetVersion() const {

@@ -138,6 +138,10 @@ class xqb_Query : public IXMLPropBag {
 
   /// A Romanian sentence describing one condition (see condition_describer.h).
   std::string ReturnConditionDescription(std::int32_t condition_id) const;
+  /// The description `ReturnConditionDescription` gives for `condition`, held by `field` of
+  /// `table` in this query, without looking it up by its ID.
+  std::string DescribeCondition(const xqb_Table& table, const xqb_Field& field,
+                                const xqb_Condition& condition) const;
 
   /// The library's version, "Major.Minor.Revision".
   std::string GetVersion() const;

@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "querybuilder/tree_walk.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
 #include "runtime/error.h"
@@ -28,30 +29,25 @@ std::string JoinLines(const std::vector<std::string>& lines) {
 // The conditions in tree order: ConditionID, TAB, description.
 std::string Describe(const xqb_Query& query) {
   std::vector<std::string> lines;
-  for (const auto& table : *query.Tables()) {
-    for (const auto& field : *table->Fields()) {
-      for (const auto& condition : *field->Conditions()) {
-        std::int32_t id = condition->ConditionID();
-        lines.push_back(std::to_string(id) + "\t" + query.ReturnConditionDescription(id));
-      }
-    }
-  }
+  ForEachCondition(
+      query, [&](const xqb_Table& table, const xqb_Field& field, const xqb_Condition& condition) {
+        lines.push_back(std::to_string(condition.ConditionID()) + "\t" +
+                        query.DescribeCondition(table, field, condition));
+      });
   return JoinLines(lines);
 }
 
 // The fields in tree order: table, TAB, field, TAB, the available clause numbers.
 std::string Clauses(const xqb_Query& query) {
   std::vector<std::string> lines;
-  for (const auto& table : *query.Tables()) {
-    for (const auto& field : *table->Fields()) {
-      std::string numbers;
-      for (std::int32_t clause : field->ReturnAvailableClauses()) {
-        if (!numbers.empty()) numbers += ' ';
-        numbers += std::to_string(clause);
-      }
-      lines.push_back(table->DBName() + "\t" + field->DBName() + "\t" + numbers);
+  ForEachField(query, [&](const xqb_Table& table, const xqb_Field& field) {
+    std::string numbers;
+    for (std::int32_t clause : field.ReturnAvailableClauses()) {
+      if (!numbers.empty()) numbers += ' ';
+      numbers += std::to_string(clause);
     }
-  }
+    lines.push_back(table.DBName() + "\t" + field.DBName() + "\t" + numbers);
+  });
   return JoinLines(lines);
 }
 
