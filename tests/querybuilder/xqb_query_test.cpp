@@ -5,15 +5,18 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 #include <tuple>
 #include <utility>
 
 #include "querybuilder/db_name.h"
+#include "querybuilder/tree_walk.h"
 #include "runtime/clock.h"
 #include "runtime/conversions.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/query_tree.h"
+#include "tests/support/random_query.h"
 
 namespace brix {
 namespace {
@@ -203,6 +206,33 @@ TEST(XqbQuery, VocabularyListsInPublishedOrder) {
       text.back() = '|';
     }
     EXPECT_EQ(text, expected);
+  }
+}
+
+}  // namespace
+}  // namespace brix
+
+namespace brix {
+namespace {
+
+// Describing a condition as an object gives what the lookup by ID gives for the first condition
+// with that ID, in trees with one table and with several.
+TEST(XqbQuery, DescribesAConditionAsItsLookupByIdDoes) {
+  for (unsigned seed = 1; seed <= 200; ++seed) {
+    auto query = test_support::RandomQueryMaker(seed).Make();
+    std::set<std::int32_t> seen;
+    ForEachCondition(*query, [&](const xqb_Table& table, const xqb_Field& field,
+                                 const xqb_Condition& condition) {
+      if (!seen.insert(condition.ConditionID()).second) return;
+      try {
+        EXPECT_EQ(query->DescribeCondition(table, field, condition),
+                  query->ReturnConditionDescription(condition.ConditionID()))
+            << "seed " << seed;
+      } catch (const Error&) {
+        // operands that do not convert raise the same way through both
+        EXPECT_ANY_THROW(query->ReturnConditionDescription(condition.ConditionID()));
+      }
+    });
   }
 }
 
