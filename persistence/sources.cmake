@@ -2,8 +2,6 @@
 set(BRIX_PERSISTENCE_HEADERS
   persistence/cls_base64.h
   persistence/ixml_prop_bag.h
-  persistence/shared_xml_document.h
-  persistence/xml_path_index.h
   persistence/xml_prop_bag.h
 )
 set(BRIX_PERSISTENCE_SOURCES
@@ -12,9 +10,11 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/bin_base64.cpp
   persistence/bin_base64.h
   persistence/cls_base64.cpp
-  persistence/shared_xml_document.cpp
-  persistence/xml_path_index.cpp
   persistence/query_definition_document.cpp
+  persistence/shared_xml_document.cpp
+  persistence/shared_xml_document.h
+  persistence/xml_path_index.cpp
+  persistence/xml_path_index.h
   persistence/xml_prop_bag.cpp
   persistence/xml_prop_bag_errors.h
   persistence/xml_text_reader.cpp

@@ -149,8 +149,8 @@ class StepMatcher : public pugi::xml_tree_walker {
 
 }  // namespace
 
-struct PathIndex::Selection {
-  using Groups = std::unordered_map<ChildKey, std::unique_ptr<Selection>, ChildKeyHash>;
+struct PathSelection {
+  using Groups = std::unordered_map<ChildKey, std::unique_ptr<PathSelection>, ChildKeyHash>;
 
   std::vector<pugi::xml_node> nodes;  // in document order, never empty
   std::size_t steps = 1;              // of the path that selects these nodes

@@ -41,10 +41,12 @@ pugi::xml_node SelectFirstByXPath(pugi::xml_node context, std::string_view xpath
 /// take a further step with one lookup instead of a new path. The index must be cleared
 /// whenever the document changes; clearing starts a new generation, and selections of an older
 /// generation are gone.
+/// The elements a path prefix selects, in document order.
+struct PathSelection;
+
 class PathIndex {
  public:
-  /// The elements a path prefix selects, in document order.
-  struct Selection;
+  using Selection = PathSelection;
 
   explicit PathIndex(const pugi::xml_document& document);
   ~PathIndex();

@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "persistence/bin_base64.h"
+#include "persistence/shared_xml_document.h"
 #include "persistence/xml_prop_bag_errors.h"
 #include "persistence/xml_text_reader.h"
 #include "persistence/xml_text_writer.h"
@@ -237,6 +238,33 @@ void WriteValue(XmlTextWriter* stream, Parent parent, std::string_view name,
 
 }  // namespace
 
+/// What a bag holds: its current node and document, and what it remembers of its lookups.
+struct XMLPropBag::State {
+  NodeHold current_;
+  std::shared_ptr<SharedDocument> document_;
+  // Set while the bag writes text straight from the objects instead of into a document.
+  XmlTextWriter* stream_ = nullptr;
+  // The whole-document XPath ("//" first) that selected the bag's element, and its selection
+  // in the document's index while the index keeps that generation.
+  std::string path_ = "//";
+  PathSelection* selection_ = nullptr;
+  std::uint64_t selection_generation_ = 0;
+  // The current node's child elements by name, listed as far as reads have needed while the
+  // document keeps its version, so that reading an object's properties visits each child once.
+  struct ListedChild {
+    std::string_view name;
+    pugi::xml_node node;
+  };
+  std::vector<ListedChild> listed_children_;
+  pugi::xml_node listed_parent_;
+  pugi::xml_node unlisted_child_;
+  std::uint64_t listed_version_ = 0;
+};
+
+XMLPropBag::XMLPropBag() : state_(std::make_unique<State>()) {}
+
+XMLPropBag::~XMLPropBag() = default;
+
 std::shared_ptr<XMLPropBag> XMLPropBag::Create() {
   return std::shared_ptr<XMLPropBag>(new XMLPropBag());
 }
@@ -253,12 +281,13 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
     return;
   }
   WriteValue(
-      stream_, [this] { return CurrentParent(); }, PropertyName, value, PropertyValue);
+      state_->stream_, [this] { return CurrentParent(); }, PropertyName, value, PropertyValue);
 }
 
 void XMLPropBag::WriteText(std::string_view PropertyName, std::string_view text) {
   WriteValue(
-      stream_, [this] { return CurrentParent(); }, PropertyName, BorrowedText(text), Variant());
+      state_->stream_, [this] { return CurrentParent(); }, PropertyName, BorrowedText(text),
+      Variant());
 }
 
 // A persistable object becomes an element named by its class with the property name as its
@@ -267,25 +296,25 @@ void XMLPropBag::WriteObject(std::string_view PropertyName, IXMLPropBag& object)
   const std::string type = object.TypeName();
   CheckElementName(type);
   XMLPropBag nested;
-  if (stream_) {
-    stream_->StartElement(type);
-    stream_->Attribute("name", PropertyName);
-    nested.stream_ = stream_;
+  if (state_->stream_) {
+    state_->stream_->StartElement(type);
+    state_->stream_->Attribute("name", PropertyName);
+    nested.state_->stream_ = state_->stream_;
     object.WriteProperties(nested);
-    stream_->EndElement();
+    state_->stream_->EndElement();
     return;
   }
   DomElementSink sink(CurrentParent());
   sink.StartElement(type);
   sink.Attribute("name", PropertyName);
-  nested.SetCurrentNode(current_.Owner(), sink.Element());
+  nested.SetCurrentNode(state_->current_.Owner(), sink.Element());
   object.WriteProperties(nested);
 }
 
 pugi::xml_node XMLPropBag::CurrentParent() {
-  pugi::xml_node parent = current_.Node();
+  pugi::xml_node parent = state_->current_.Node();
   if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
-  current_.Owner()->Changed();
+  state_->current_.Owner()->Changed();
   return parent;
 }
 
@@ -303,14 +332,14 @@ Variant XMLPropBag::ReadProperty(std::string_view PropertyName, const Variant& D
 Variant XMLPropBag::ReadObject(std::string_view PropertyName, IXMLPropBag& object) {
   const std::string type = object.TypeName();
   std::string xpath;
-  xpath.reserve(path_.size() + type.size() + PropertyName.size() + 14);
-  xpath.append(path_).append("/").append(type);
+  xpath.reserve(state_->path_.size() + type.size() + PropertyName.size() + 14);
+  xpath.append(state_->path_).append("/").append(type);
   xpath.append("[@name = \"").append(PropertyName).append("\"]");
-  const std::optional<PathIndex::Selection*> selection = SelectStep(type, PropertyName, xpath);
+  const std::optional<PathSelection*> selection = SelectStep(type, PropertyName, xpath);
   pugi::xml_node element = SelectPath(xpath, selection);
   if (element) {
     XMLPropBag nested;
-    nested.SetCurrentNode(document_, element);
+    nested.SetCurrentNode(state_->document_, element);
     nested.SetPath(std::move(xpath));
     nested.KeepSelection(selection);
     object.ReadProperties(nested);
@@ -320,12 +349,12 @@ Variant XMLPropBag::ReadObject(std::string_view PropertyName, IXMLPropBag& objec
 
 // A bag that still holds the index's selection of its own path takes one step from it instead
 // of having the whole path parsed and followed again.
-std::optional<PathIndex::Selection*> XMLPropBag::SelectStep(std::string_view type,
-                                                            std::string_view PropertyName,
-                                                            const std::string& xpath) const {
+std::optional<PathSelection*> XMLPropBag::SelectStep(std::string_view type,
+                                                     std::string_view PropertyName,
+                                                     const std::string& xpath) const {
   PathIndex& index = RequireDocument().Index();
-  if (selection_ && selection_generation_ == index.Generation()) {
-    return index.Step(*selection_, {type, PropertyName});
+  if (state_->selection_ && state_->selection_generation_ == index.Generation()) {
+    return index.Step(*state_->selection_, {type, PropertyName});
   }
   return index.Select(xpath);
 }
@@ -333,7 +362,7 @@ std::optional<PathIndex::Selection*> XMLPropBag::SelectStep(std::string_view typ
 /// The first element of an indexed selection, or what XPath selects when the path is not
 /// indexable.
 pugi::xml_node XMLPropBag::SelectPath(const std::string& xpath,
-                                      std::optional<PathIndex::Selection*> selection) const {
+                                      std::optional<PathSelection*> selection) const {
   if (!selection) return SelectFirstByXPath(RequireDocument().Dom(), xpath);
   return *selection ? PathIndex::First(**selection) : pugi::xml_node();
 }
@@ -359,37 +388,37 @@ Variant XMLPropBag::ElementValue(pugi::xml_node element) {
 
 // A plain name selects the first child element of that name; anything else goes to XPath.
 pugi::xml_node XMLPropBag::SelectChild(std::string_view PropertyName) {
-  pugi::xml_node parent = current_.Node();
+  pugi::xml_node parent = state_->current_.Node();
   if (!parent) RaiseRuntimeError(kErrObjectVariableNotSet);
   if (!IsXmlName(PropertyName)) return SelectFirstByXPath(parent, PropertyName);
   return FindChildElement(parent, PropertyName);
 }
 
 pugi::xml_node XMLPropBag::FindChildElement(pugi::xml_node parent, std::string_view name) {
-  const std::uint64_t version = current_.Owner()->Version();
-  if (parent != listed_parent_ || version != listed_version_) {
-    listed_children_.clear();
-    listed_children_.reserve(16);  // most objects have fewer properties
-    listed_parent_ = parent;
-    unlisted_child_ = parent.first_child();
-    listed_version_ = version;
+  const std::uint64_t version = state_->current_.Owner()->Version();
+  if (parent != state_->listed_parent_ || version != state_->listed_version_) {
+    state_->listed_children_.clear();
+    state_->listed_children_.reserve(16);  // most objects have fewer properties
+    state_->listed_parent_ = parent;
+    state_->unlisted_child_ = parent.first_child();
+    state_->listed_version_ = version;
   }
-  for (const ListedChild& child : listed_children_) {
+  for (const State::ListedChild& child : state_->listed_children_) {
     if (child.name == name) return child.node;
   }
-  while (pugi::xml_node child = unlisted_child_) {
-    unlisted_child_ = child.next_sibling();
+  while (pugi::xml_node child = state_->unlisted_child_) {
+    state_->unlisted_child_ = child.next_sibling();
     if (child.type() != pugi::node_element) continue;
-    listed_children_.push_back({child.name(), child});
-    if (listed_children_.back().name == name) return child;
+    state_->listed_children_.push_back({child.name(), child});
+    if (state_->listed_children_.back().name == name) return child;
   }
   return {};
 }
 
 void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
   if (!RootObject) return;
-  if (!document_) document_ = std::make_shared<SharedDocument>();
-  SharedDocument& document = *document_;
+  if (!state_->document_) state_->document_ = std::make_shared<SharedDocument>();
+  SharedDocument& document = *state_->document_;
   pugi::xml_node bag = document.SelectFirst("//PropertyBag");
   if (!bag) {
     if (document.Dom().document_element()) {
@@ -414,7 +443,7 @@ void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
   } else {
     document.Changed();
   }
-  SetCurrentNode(document_, element);
+  SetCurrentNode(state_->document_, element);
   RootObject->WriteProperties(*this);
 }
 
@@ -428,7 +457,7 @@ std::string XMLPropBag::SaveStateText(IXMLPropBag& RootObject, std::string_view 
   writer.StartElement(type);
   if (!sName.empty()) writer.Attribute("name", sName);
   XMLPropBag bag;
-  bag.stream_ = &writer;
+  bag.state_->stream_ = &writer;
   RootObject.WriteProperties(bag);
   writer.EndElement();
   writer.EndElement();
@@ -438,10 +467,10 @@ std::string XMLPropBag::SaveStateText(IXMLPropBag& RootObject, std::string_view 
 void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
   if (!RootObject) return;
   SetPath("//PropertyBag/" + RootObject->TypeName() + NameFilter(sName));
-  const std::optional<PathIndex::Selection*> selection = RequireDocument().Index().Select(path_);
-  pugi::xml_node element = SelectPath(path_, selection);
+  const std::optional<PathSelection*> selection = RequireDocument().Index().Select(state_->path_);
+  pugi::xml_node element = SelectPath(state_->path_, selection);
   if (!element) return;
-  SetCurrentNode(document_, element);
+  SetCurrentNode(state_->document_, element);
   KeepSelection(selection);
   RootObject->ReadProperties(*this);
 }
@@ -449,7 +478,7 @@ void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
 void XMLPropBag::DeleteObject(std::string_view sTypeName, std::string_view sName) {
   SetPath("//PropertyBag/" + std::string(sTypeName) + NameFilter(sName));
   SharedDocument& document = RequireDocument();
-  pugi::xml_node element = document.SelectFirst(path_);
+  pugi::xml_node element = document.SelectFirst(state_->path_);
   if (!element) return;
   if (element.parent() != document.SelectFirst("//PropertyBag")) {
     RaiseDomError("The element to delete is not a child of the PropertyBag element.");
@@ -458,39 +487,39 @@ void XMLPropBag::DeleteObject(std::string_view sTypeName, std::string_view sName
 }
 
 std::string XMLPropBag::Contents() const {
-  return document_ ? WriteXmlText(document_->Dom()) : std::string();
+  return state_->document_ ? WriteXmlText(state_->document_->Dom()) : std::string();
 }
 
 void XMLPropBag::SetContents(std::string_view text) {
-  document_ = std::make_shared<SharedDocument>();
-  ReadXmlText(document_->Dom(), text);
+  state_->document_ = std::make_shared<SharedDocument>();
+  ReadXmlText(state_->document_->Dom(), text);
 }
 
 const pugi::xml_document* XMLPropBag::Document() const {
-  return document_ ? &document_->Dom() : nullptr;
+  return state_->document_ ? &state_->document_->Dom() : nullptr;
 }
 
 void XMLPropBag::SetDocument(const pugi::xml_document* /*document*/) {}
 
 void XMLPropBag::SetCurrentNode(const std::shared_ptr<SharedDocument>& owner,
                                 pugi::xml_node element) {
-  current_.Set(owner, element);
-  document_ = owner;
+  state_->current_.Set(owner, element);
+  state_->document_ = owner;
 }
 
 void XMLPropBag::SetPath(std::string xpath) {
-  path_ = std::move(xpath);
-  selection_ = nullptr;
+  state_->path_ = std::move(xpath);
+  state_->selection_ = nullptr;
 }
 
-void XMLPropBag::KeepSelection(std::optional<PathIndex::Selection*> selection) {
-  selection_ = selection.value_or(nullptr);
-  if (selection_) selection_generation_ = RequireDocument().Index().Generation();
+void XMLPropBag::KeepSelection(std::optional<PathSelection*> selection) {
+  state_->selection_ = selection.value_or(nullptr);
+  if (state_->selection_) state_->selection_generation_ = RequireDocument().Index().Generation();
 }
 
 SharedDocument& XMLPropBag::RequireDocument() const {
-  if (!document_) RaiseRuntimeError(kErrObjectVariableNotSet);
-  return *document_;
+  if (!state_->document_) RaiseRuntimeError(kErrObjectVariableNotSet);
+  return *state_->document_;
 }
 
 }  // namespace brix

@@ -11,12 +11,13 @@
 #include <vector>
 
 #include "persistence/ixml_prop_bag.h"
-#include "persistence/shared_xml_document.h"
-#include "persistence/xml_text_writer.h"
 #include "runtime/object.h"
 #include "runtime/variant.h"
 
 namespace brix {
+
+class SharedDocument;
+struct PathSelection;
 
 /// The XML property bag. A document holds a "PropertyBag" element with one element per saved
 /// root object (named by its `TypeName()`, attribute "name" = the instance name when given);
@@ -38,6 +39,7 @@ class XMLPropBag : public Object {
   static std::shared_ptr<XMLPropBag> Create();
   XMLPropBag(const XMLPropBag&) = delete;
   XMLPropBag& operator=(const XMLPropBag&) = delete;
+  ~XMLPropBag() override;
 
   std::string TypeName() const override { return "XMLPropBag"; }
 
@@ -102,44 +104,27 @@ class XMLPropBag : public Object {
   void SetDocument(const pugi::xml_document* document);
 
  private:
-  XMLPropBag() = default;
+  struct State;
+
+  XMLPropBag();
 
   void SetCurrentNode(const std::shared_ptr<SharedDocument>& owner, pugi::xml_node element);
   void SetPath(std::string xpath);
-  void KeepSelection(std::optional<PathIndex::Selection*> selection);
+  void KeepSelection(std::optional<PathSelection*> selection);
 
   SharedDocument& RequireDocument() const;
   pugi::xml_node CurrentParent();
   void WriteObject(std::string_view PropertyName, IXMLPropBag& object);
   pugi::xml_node SelectPath(const std::string& xpath,
-                            std::optional<PathIndex::Selection*> selection) const;
-  std::optional<PathIndex::Selection*> SelectStep(std::string_view type,
-                                                  std::string_view PropertyName,
-                                                  const std::string& xpath) const;
+                            std::optional<PathSelection*> selection) const;
+  std::optional<PathSelection*> SelectStep(std::string_view type, std::string_view PropertyName,
+                                           const std::string& xpath) const;
   Variant ReadObject(std::string_view PropertyName, IXMLPropBag& object);
   Variant ReadValue(std::string_view PropertyName, const Variant& DefaultValue);
   pugi::xml_node SelectChild(std::string_view PropertyName);
   pugi::xml_node FindChildElement(pugi::xml_node parent, std::string_view name);
 
-  NodeHold current_;
-  std::shared_ptr<SharedDocument> document_;
-  // Set while the bag writes text straight from the objects instead of into a document.
-  XmlTextWriter* stream_ = nullptr;
-  // The whole-document XPath ("//" first) that selected the bag's element, and its selection
-  // in the document's index while the index keeps that generation.
-  std::string path_ = "//";
-  PathIndex::Selection* selection_ = nullptr;
-  std::uint64_t selection_generation_ = 0;
-  // The current node's child elements by name, listed as far as reads have needed while the
-  // document keeps its version, so that reading an object's properties visits each child once.
-  struct ListedChild {
-    std::string_view name;
-    pugi::xml_node node;
-  };
-  std::vector<ListedChild> listed_children_;
-  pugi::xml_node listed_parent_;
-  pugi::xml_node unlisted_child_;
-  std::uint64_t listed_version_ = 0;
+  std::unique_ptr<State> state_;
 };
 
 }  // namespace brix

@@ -51,7 +51,7 @@ class IndexedCollection : public Object {
 
   IndexedCollection(const IndexedCollection&) = delete;
   IndexedCollection& operator=(const IndexedCollection&) = delete;
-  ~IndexedCollection() override { ReleaseAll(); }
+  ~IndexedCollection() override;
 
   /// The held objects in position order.
   const_iterator begin() const { return items_.begin(); }
@@ -63,55 +63,29 @@ class IndexedCollection : public Object {
   std::shared_ptr<T> Item(const Variant& index_key) const { return items_.Item(index_key); }
 
   /// Removes by position or key, with the errors of `Item`.
-  void Remove(const Variant& index_key) {
-    std::shared_ptr<T> removed = items_.Item(index_key);
-    bool fresh = IsFresh();
-    items_.Remove(index_key);
-    --removed->holders_;
-    if (fresh) index_.Erase(*removed);
-  }
+  void Remove(const Variant& index_key);
 
   /// Releases every object; the collection starts again empty.
-  void Clear() {
-    ReleaseAll();
-    items_.Clear();
-    index_.Clear();
-    seen_revision_ = IndexedItem::IndexRevision();
-  }
+  void Clear();
 
  protected:
-  IndexedCollection() = default;
+  IndexedCollection();
 
   /// Adds the object itself; a used key raises 457 and leaves the collection unchanged.
-  void AddItem(std::shared_ptr<T> item, std::optional<std::string_view> key) {
-    const T& added = *item;
-    bool fresh = IsFresh();
-    items_.Add(std::move(item), key);
-    ++added.holders_;
-    if (fresh) index_.Insert(added);
-  }
+  void AddItem(std::shared_ptr<T> item, std::optional<std::string_view> key);
 
   /// Whether an object is held under `key` (letter case ignored).
   bool HasKey(std::string_view key) const { return items_.FindKey(key) != nullptr; }
 
   /// The index over the current key values of the held objects.
-  const Index& CurrentIndex() {
-    if (!IsFresh()) {
-      index_.Clear();
-      for (const auto& item : items_) index_.Insert(*item);
-      seen_revision_ = IndexedItem::IndexRevision();
-    }
-    return index_;
-  }
+  const Index& CurrentIndex();
 
  private:
   bool IsFresh() const { return seen_revision_ == IndexedItem::IndexRevision(); }
-  void ReleaseAll() {
-    for (const auto& item : items_) --item->holders_;
-  }
+  void ReleaseAll();
 
   KeyedCollection<std::shared_ptr<T>> items_;
-  Index index_;
+  std::unique_ptr<Index> index_;  // private to the library: its type is only declared here
   std::uint64_t seen_revision_ = IndexedItem::IndexRevision();
 };
 

@@ -1,17 +1,10 @@
 # Sources and public headers of querybuilder/.
 set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/clause_catalogue.h
-  querybuilder/condition_describer.h
-  querybuilder/condition_index.h
   querybuilder/db_name.h
-  querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.h
-  querybuilder/name_index.h
-  querybuilder/parameter_expander.h
-  querybuilder/statement_builder.h
-  querybuilder/vocabulary_lists.h
+  querybuilder/named_collection.h
   querybuilder/tree_walk.h
-  querybuilder/where_renderer.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
   querybuilder/xqb_definitions.h
@@ -21,23 +14,33 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/xqb_query.h
   querybuilder/xqb_table.h
   querybuilder/xqb_tables.h
-  querybuilder/operand_dates.h
 )
 set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/clause_catalogue.cpp
   querybuilder/condition_describer.cpp
+  querybuilder/condition_describer.h
   querybuilder/condition_index.cpp
+  querybuilder/condition_index.h
   querybuilder/db_name.cpp
   querybuilder/definition_rows.cpp
   querybuilder/definition_rows.h
   querybuilder/full_text_renderer.cpp
+  querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.cpp
+  querybuilder/indexed_collection_impl.h
+  querybuilder/name_index.h
+  querybuilder/operand_dates.cpp
+  querybuilder/operand_dates.h
   querybuilder/parameter_expander.cpp
+  querybuilder/parameter_expander.h
   querybuilder/regular_definition_reader.cpp
   querybuilder/regular_definition_reader.h
   querybuilder/statement_builder.cpp
+  querybuilder/statement_builder.h
   querybuilder/vocabulary_lists.cpp
+  querybuilder/vocabulary_lists.h
   querybuilder/where_renderer.cpp
+  querybuilder/where_renderer.h
   querybuilder/xqb_condition.cpp
   querybuilder/xqb_conditions.cpp
   querybuilder/xqb_field.cpp
@@ -46,5 +49,4 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/xqb_query.cpp
   querybuilder/xqb_table.cpp
   querybuilder/xqb_tables.cpp
-  querybuilder/operand_dates.cpp
 )

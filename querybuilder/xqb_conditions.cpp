@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "querybuilder/condition_index.h"
+#include "querybuilder/indexed_collection_impl.h"
 #include "querybuilder/xqb_module.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -65,5 +67,7 @@ bool xqb_Conditions::ScanForDuplicate(qbe_ClauseOperator clause, const Variant& 
   }
   return false;
 }
+
+template class IndexedCollection<xqb_Condition, ConditionIndex>;
 
 }  // namespace brix

@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <memory>
 
-#include "querybuilder/condition_index.h"
 #include "querybuilder/indexed_collection.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_definitions.h"
 #include "runtime/variant.h"
 
 namespace brix {
+
+class ConditionIndex;
 
 /// A field's conditions in insertion order, keyed by the decimal text of each `ConditionID`.
 /// `Item` takes a position or the key text ("4711"); collection errors reach the caller unchanged.

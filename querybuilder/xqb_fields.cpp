@@ -3,6 +3,8 @@
 
 #include <optional>
 
+#include "querybuilder/indexed_collection_impl.h"
+#include "querybuilder/name_index.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
 
@@ -14,12 +16,14 @@ constexpr std::string_view kFieldExistsText =
 
 }  // namespace
 
+xqb_Fields::xqb_Fields() : NamedCollection(kErrFieldExists, kFieldExistsText) {}
+
 std::shared_ptr<xqb_Fields> xqb_Fields::Create() {
   return std::shared_ptr<xqb_Fields>(new xqb_Fields());
 }
 
 std::shared_ptr<xqb_Field> xqb_Fields::Add(std::string_view db_name) {
-  if (FieldExists(db_name)) Raise(kErrFieldExists, "[Add Field]", std::string(kFieldExistsText));
+  RefuseUsedName(db_name, "[Add Field]");
   auto field = xqb_Field::Create();
   field->SetDBName(db_name);
   field->SetAlias(std::string(db_name));
@@ -29,23 +33,16 @@ std::shared_ptr<xqb_Field> xqb_Fields::Add(std::string_view db_name) {
 }
 
 void xqb_Fields::AddObjectField(std::shared_ptr<xqb_Field> field) {
-  if (!field) RaiseRuntimeError(kErrObjectVariableNotSet);
-  if (FieldExists(field->DBName())) {
-    Raise(kErrFieldExists, "[AddObjectField]", std::string(kFieldExistsText));
-  }
-  std::string key = field->DBName();
-  AddItem(std::move(field), key);
+  AddNamed(std::move(field), "[AddObjectField]");
 }
 
-bool xqb_Fields::FieldExists(std::string_view field_name) {
-  bool found = CurrentIndex().Contains(field_name);
-  if (!found) CheckSearchCounter(Count());
-  return found;
-}
+bool xqb_Fields::FieldExists(std::string_view field_name) { return NameExists(field_name); }
 
 void xqb_Fields::AddListed(std::shared_ptr<xqb_Field> field) {
   std::string key = field->DBName();
   AddItem(std::move(field), HasKey(key) ? std::nullopt : std::optional<std::string_view>(key));
 }
+
+template class IndexedCollection<xqb_Field, NameIndex<xqb_Field>>;
 
 }  // namespace brix

@@ -5,15 +5,14 @@
 #include <string>
 #include <string_view>
 
-#include "querybuilder/indexed_collection.h"
-#include "querybuilder/name_index.h"
+#include "querybuilder/named_collection.h"
 #include "querybuilder/xqb_field.h"
 
 namespace brix {
 
 /// A table's fields in insertion order, keyed by each field's stored (normalised) `DBName`.
 /// Key lookup ignores letter case; the existence test does not.
-class xqb_Fields : public IndexedCollection<xqb_Field, NameIndex<xqb_Field>> {
+class xqb_Fields : public NamedCollection<xqb_Field> {
  public:
   static std::shared_ptr<xqb_Fields> Create();
 
@@ -36,7 +35,7 @@ class xqb_Fields : public IndexedCollection<xqb_Field, NameIndex<xqb_Field>> {
  private:
   friend class xqb_Query;  // builds field lists in which one name may occur twice
 
-  xqb_Fields() = default;
+  xqb_Fields();
 
   /// Adds `field` under its `DBName`, or without a key when that key is taken.
   void AddListed(std::shared_ptr<xqb_Field> field);

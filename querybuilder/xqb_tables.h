@@ -5,15 +5,14 @@
 #include <string>
 #include <string_view>
 
-#include "querybuilder/indexed_collection.h"
-#include "querybuilder/name_index.h"
+#include "querybuilder/named_collection.h"
 #include "querybuilder/xqb_table.h"
 
 namespace brix {
 
 /// A query's tables in insertion order, keyed by each table's stored (normalised) `DBName`.
 /// Key lookup ignores letter case; the existence test does not.
-class xqb_Tables : public IndexedCollection<xqb_Table, NameIndex<xqb_Table>> {
+class xqb_Tables : public NamedCollection<xqb_Table> {
  public:
   static std::shared_ptr<xqb_Tables> Create();
 
@@ -34,7 +33,7 @@ class xqb_Tables : public IndexedCollection<xqb_Table, NameIndex<xqb_Table>> {
   bool TableExists(std::string_view table_name);
 
  private:
-  xqb_Tables() = default;
+  xqb_Tables();
 };
 
 }  // namespace brix

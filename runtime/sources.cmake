@@ -1,6 +1,5 @@
 # The platform layer: variant, keyed collection, errors, conversions, dates, clock, text.
 set(BRIX_RUNTIME_HEADERS
-  runtime/ansi_code_page.h
   runtime/clock.h
   runtime/conversions.h
   runtime/dates.h
@@ -13,6 +12,7 @@ set(BRIX_RUNTIME_HEADERS
 )
 set(BRIX_RUNTIME_SOURCES
   runtime/ansi_code_page.cpp
+  runtime/ansi_code_page.h
   runtime/clock.cpp
   runtime/conversions.cpp
   runtime/dates.cpp

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs a built tree into a temporary prefix, then builds and runs the consumer example against
 # it through find_package (shared and static targets) and through pkg-config, and runs the
-# installed brixq on its installed sample. Exit status 77 means skipped.
+# installed brixq on its installed sample; every installed header must compile on its own.
+# Exit status 77 means skipped.
 # Usage: install_test.sh BUILD_DIR SOURCE_DIR WORK_DIR GENERATOR CXX SANITIZE
 set -euo pipefail
 build_dir=$1 source_dir=$2 work=$3 generator=$4 cxx=$5 sanitize=$6
@@ -29,6 +30,19 @@ expect_output() {
 }
 
 cmake --install "$build_dir" --prefix "$prefix" > "$work/install.log"
+
+# Every installed header compiles on its own (and twice in one file) in a host program.
+include_dir=$prefix/include/brixobjects4
+header_count=0
+while IFS= read -r header; do
+  printf '#include "%s"\n#include "%s"\nint main() {}\n' "$header" "$header" > "$work/one_header.cpp"
+  if ! "$cxx" -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I"$include_dir" "$work/one_header.cpp"; then
+    echo "the installed header $header does not compile on its own"
+    exit 1
+  fi
+  header_count=$((header_count + 1))
+done < <(cd "$include_dir" && find . -name '*.h' | sed 's|^\./||' | sort)
+echo "ok: each of the $header_count installed headers compiles on its own"
 
 cmake -S "$consumer_source" -B "$work/consumer" -G "$generator" -DCMAKE_CXX_COMPILER="$cxx" \
       -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF > "$work/configure.log"
