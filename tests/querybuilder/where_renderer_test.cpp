@@ -130,12 +130,17 @@ TEST(WhereRenderer, Trees) {
       {{{"T", {{"F", N, {{EQ, V(1)}, {EQ, V(2)}}}}}}, true, false, "", "(F = 1 OR F = 2)"},
       {{{"A", {{"x", N, {{EQ, V(1)}}}}}, {"B b", {{"y z", S, {{K(6)}}}}}}, false, false, "", "([A].x = 1) AND ([[B b]].[y z] = '' OR [y z] IS NULL )"},
       // A full-text kind discards the field's earlier conditions only.
-      {{{"T", {{"F", N, {{EQ, V(1)}, {K(26), V("w")}, {EQ, V(3)}}}, {"G", N, {{EQ, V(4)}, {K(27), V("e")}}}, {"H", N, {{K(9), V(6)}}}}}}, true, false, "", "(F = 3) AND (H < 6)"},
+      {{{"T", {{"F", N, {{EQ, V(1)}, {K(26), V("w")}, {EQ, V(3)}}}, {"G", N, {{EQ, V(4)}, {K(27), V("e")}}},
+               {"H", N, {{K(9), V(6)}}}}}},
+       true, false, "", "(F = 3) AND (H < 6)"},
       // Parameter conditions are left out.
-      {{{"T", {{"F", S, {{EQ, V("p"), V(""), "P1"}, {EQ, V("v")}}}, {"G", S, {{K(26), V("w"), V(""), "P2"}, {EQ, V("g")}}}, {"H", S, {{K(7), V(""), V(""), "P3"}}}}}}, true, false, "", "(F = 'v') AND (G = 'g')"},
+      {{{"T", {{"F", S, {{EQ, V("p"), V(""), "P1"}, {EQ, V("v")}}}, {"G", S, {{K(26), V("w"), V(""), "P2"}, {EQ, V("g")}}},
+               {"H", S, {{K(7), V(""), V(""), "P3"}}}}}},
+       true, false, "", "(F = 'v') AND (G = 'g')"},
       // Types 7 to 11 (and unknown ones) keep the previous field's delimiter, across tables and fields without conditions.
       {{{"A", {{"t0", T, {{EQ, V("1")}}}, {"s"}, {"t1", T, {{EQ, V("O'B")}}}, {"d", qbe_DataDate, {{K(14)}}}}},
-        {"B", {{"u", qbe_DataUTCDate, {{EQ, V("2")}}}, {"n", N, {{EQ, V("3")}}}, {"x", qbe_DataUserDefined3, {{K(30)}}}, {"m", qbe_DataMemo, {{EQ, V("4")}}}, {"o", static_cast<qbe_DataType>(99), {{EQ, V("5")}}}}}},
+        {"B", {{"u", qbe_DataUTCDate, {{EQ, V("2")}}}, {"n", N, {{EQ, V("3")}}}, {"x", qbe_DataUserDefined3, {{K(30)}}},
+               {"m", qbe_DataMemo, {{EQ, V("4")}}}, {"o", static_cast<qbe_DataType>(99), {{EQ, V("5")}}}}}},
        true, false, "", "(t0 = 1) AND (t1 = 'O''B') AND (d = #40025#) AND (u = #2#) AND (n = 3) AND (x = 14:30) AND (m = '4') AND (o = '5')"},
       {linked, true, true, "", " (Orders.ID = Items.OrderID) AND  (Items.OrderID = Orders.ID) AND (Name = 'a') AND (Qty > 2)"},
       {linked, false, false, "", "([Orders].Name = 'a') AND ([Items].Qty > 2)"},
