@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -178,21 +179,91 @@ TEST(XMLPropBag, ReadsMarkersInAnyCaseTypedBytesTheFirstMatchOrTheDefault) {
   }
 }
 
-TEST(XMLPropBag,
-     SavesRestoresAndDeletesTheFirstMatchNeedsADocumentAndAPositionAndLoadsWhatTheDomLoads) {
-  auto bag = XMLPropBag::Create();
-  std::string read;  // what objects read during a step
-  auto note = [&](const std::string& text) { read += (read.empty() ? "" : " ") + text; };
-  int generation = 0;
-  Scripted a(
-      "A", [&](XMLPropBag& b) { b.WriteProperty("ț.G-1", Variant(generation++)); },
-      [&](XMLPropBag& b) { note(Describe(b.ReadProperty("ț.G-1"))); });
-  Scripted b_object("B"), c_object("C", {}, [&](XMLPropBag&) { note("C"); }), invalid("1x");
+/// One action on a bag: the bag starts without a document (`initial` empty) or with `initial` as
+/// its contents; then what objects read or what was raised, and the contents after.
+struct BagCase {
+  std::optional<std::string> initial;
+  std::function<void(XMLPropBag&)> act;
+  std::string outcome;
+  std::string contents;
+};
+
+/// Runs each case on a bag of its own; objects the actions use report what they read to `read`.
+void RunCases(const std::vector<BagCase>& cases, std::string& read) {
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    SCOPED_TRACE("case " + std::to_string(i));
+    const BagCase& c = cases[i];
+    auto bag = XMLPropBag::Create();
+    if (c.initial) bag->SetContents(*c.initial);
+    read.clear();
+    EXPECT_EQ(Outcome([&] { return c.act(*bag), read; }), c.outcome);
+    EXPECT_EQ(bag->Contents(), c.contents);
+  }
+}
+
+/// An object of class "A" that writes 1 as "ț.G-1" and reports what it reads there.
+Scripted WritingOne(std::string& read) {
+  return Scripted(
+      "A", [](XMLPropBag& b) { b.WriteProperty("ț.G-1", Variant(1)); },
+      [&read](XMLPropBag& b) {
+        read += (read.empty() ? "" : " ") + Describe(b.ReadProperty("ț.G-1"));
+      });
+}
+
+TEST(XMLPropBag, NeedsADocumentAndAPositionAndKeepsItsOwnDocument) {
+  std::string read;
+  Scripted a = WritingOne(read);
+  pugi::xml_document foreign;
+  foreign.load_string("<Foreign/>");
+  // clang-format off
+  const std::vector<BagCase> cases = {
+      {{},               [&](XMLPropBag& b) { b.SetDocument(&foreign); },          "",      ""},
+      {{},               [&](XMLPropBag& b) { b.RestoreState(&a); },               kNotSet, ""},
+      {{},               [&](XMLPropBag& b) { b.DeleteObject("A"); },              kNotSet, ""},
+      {{},               [&](XMLPropBag& b) { b.WriteProperty("P", Variant(1)); }, kNotSet, ""},
+      {"<PropertyBag/>", [&](XMLPropBag& b) { b.ReadProperty("P"); },              kNotSet, InBag("")},
+      {"<Other/>",       [&](XMLPropBag& b) { b.SaveState(&a); },
+       kDomError + "Only one top level element is allowed in an XML document.", "<Other/>\r\n"},
+  };
+  // clang-format on
+  RunCases(cases, read);
+}
+
+TEST(XMLPropBag, SavesByClassAndNameReplacingTheFirstMatchInPlace) {
+  std::string read;
+  Scripted a = WritingOne(read);
+  Scripted b_object("B"), invalid("1x");
   Scripted self_deleting("A", [&](XMLPropBag& b) {
     b.WriteProperty("Before", Variant(1));
     b.DeleteObject("A", "x");
     b.WriteProperty("After", Variant(2));
   });
+  const std::string one = "<A name=\"one\"><ț.G-1>0</ț.G-1></A><B/>";
+  const std::string two = "<A name=\"two\"><ț.G-1>2</ț.G-1></A>";
+  // clang-format off
+  const std::vector<BagCase> cases = {
+      {InBag(""),        [&](XMLPropBag& b) { b.SaveState(&a, "one"); b.SaveState(&b_object); }, "", InBag("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/>")},
+      {InBag(one),       [&](XMLPropBag& b) { b.SaveState(&a, "one"); }, "", InBag("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/>")},
+      {InBag(one),       [&](XMLPropBag& b) { b.SaveState(&a, "two"); }, "", InBag(one + "<A name=\"two\"><ț.G-1>1</ț.G-1></A>")},
+      // Without a name the first element of the class is replaced, whatever its name.
+      {InBag(one + two), [&](XMLPropBag& b) { b.SaveState(&a); },        "", InBag("<A><ț.G-1>1</ț.G-1></A><B/>" + two)},
+      {InBag(one),       [&](XMLPropBag& b) { b.SaveState(nullptr); },   "", InBag(one)},
+      {InBag(""),        [&](XMLPropBag& b) { b.SaveState(&b_object); b.WriteProperty("a:b", Variant(1)); },
+       kDomError + "'a:b' is not a valid element name.", InBag("<B/>")},
+      {InBag(one),       [&](XMLPropBag& b) { b.SaveState(&invalid); },
+       kDomError + "'1x' is not a valid element name.", InBag(one)},
+      // An object that deletes its own element while writing loses its position.
+      {InBag("<A name=\"x\"><P/></A>"), [&](XMLPropBag& b) { b.SaveState(&self_deleting, "x"); }, kNotSet, InBag("")},
+  };
+  // clang-format on
+  RunCases(cases, read);
+}
+
+TEST(XMLPropBag, RestoresAndDeletesTheFirstMatchOfClassAndName) {
+  std::string read;
+  auto note = [&](const std::string& text) { read += (read.empty() ? "" : " ") + text; };
+  Scripted a = WritingOne(read);
+  Scripted c_object("C", {}, [&](XMLPropBag&) { note("C"); });
   Scripted switching("Holder", {}, [&](XMLPropBag& b) {
     b.SetContents(InBag("<Holder><P>new</P></Holder>"));
     note(Describe(b.ReadProperty("P")));  // the bag keeps its node in the old document
@@ -213,62 +284,62 @@ TEST(XMLPropBag,
   const std::string indented =
       "\xEF\xBB\xBF<?xml version=\"1.0\"?>\r\n<!-- saved -->\r\n<PropertyBag>\r\n\t<A name=\"x\"/>"
       "\r\n\t<A name=\"y\"/>\r\n\t<A name=\"x\">\r\n\t\t<P/>\r\n\t</A>\r\n</PropertyBag>\r\n";
+  const std::string loaded = "<A name=\"x\"/><A name=\"y\"/><A name=\"x\"><P/></A>";
+  // clang-format off
+  const std::vector<BagCase> cases = {
+      {InBag(three), [&](XMLPropBag& b) { b.RestoreState(&a, "one"); b.RestoreState(&c_object); b.RestoreState(nullptr); }, "", InBag(three)},
+      {InBag(three), [&](XMLPropBag& b) { b.RestoreState(&a, "two"); b.RestoreState(&a); }, "'2' '3'", InBag(three)},
+      {InBag(three), [&](XMLPropBag& b) { b.RestoreState(&a, "say \"hi\""); },
+       kDomError + "The XPath expression \"//PropertyBag/A[@name=\"say \"hi\"\"]\" is invalid: Expected ']' to match an opening '['.", InBag(three)},
+      {indented,     [&](XMLPropBag&) {},                                                   "", InBag(loaded)},
+      {indented,     [&](XMLPropBag& b) { b.DeleteObject("A", "x"); },                      "", InBag("<A name=\"y\"/><A name=\"x\"><P/></A>")},
+      {indented,     [&](XMLPropBag& b) { b.DeleteObject("A"); b.DeleteObject("Missing", "x"); }, "", InBag("<A name=\"y\"/><A name=\"x\"><P/></A>")},
+      {InBag(nested), [&](XMLPropBag& b) { b.RestoreState(&tree); }, "'second root' empty empty", InBag(nested)},
+      {InBag("<Holder><P>old</P></Holder>"), [&](XMLPropBag& b) { b.RestoreState(&switching); }, "'old'", InBag("<Holder><P>new</P></Holder>")},
+  };
+  // clang-format on
+  RunCases(cases, read);
+}
+
+TEST(XMLPropBag, RefusesTextThatDoesNotLoadLeavingAnEmptyDocument) {
   const std::string load = "-2147191004" + kBagError;
-  // The DOM's own parsing, printing and removal of nodes is recursive; the bag must not be. Every
-  // level matches "//PropertyBag", so the selection sees nested matches.
+  // clang-format off
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"<a/><b/>",                    "Only one top level element is allowed in an XML document."},
+      {"",                            "XML document must have a top level element."},
+      {"x<a/>",                       "Invalid at the top level of the document."},
+      {"<a/><![CDATA[x]]>",           "Invalid at the top level of the document."},
+      {"<a><b n=\"1\" m=\"2\" n=\"3\"/></a>", "Duplicate attribute 'n'."},
+      {"<a><b n='1'\r\nn=\"2\"/></a>", "Duplicate attribute 'n'."},
+      {"<a x=\"1\"y=\"2\"/>",         "Error parsing element attribute at line 1, column 9."},
+      {std::string("<a>\0</a>", 8),   "An Invalid character was found in text content at line 1, column 4."},
+      {"<a>\r\n<b>\r\n</a>",          "Start-end tags mismatch at line 3, column 3."},
+  };
+  // clang-format on
+  for (const auto& [text, reason] : cases) {
+    auto bag = XMLPropBag::Create();
+    EXPECT_EQ(Outcome([&] { return bag->SetContents(text), std::string(); }), load + reason);
+    EXPECT_EQ(bag->Contents(), "") << text;
+  }
+}
+
+// The DOM's own parsing, printing and removal of nodes is recursive; the bag must not be. Every
+// level matches "//PropertyBag", so the selection sees nested matches.
+TEST(XMLPropBag, LoadsRestoresAndDeletesVeryDeepDocumentsWithoutRecursion) {
+  std::string read;
   const std::string open = "<PropertyBag name=\"n\">", close = "</PropertyBag>";
   std::string opens, closes;
   for (int level = 1; level < 100000; ++level) opens += open, closes += close;
   const std::string deep = "<PropertyBag>" + opens + open + closes + close + close;
   const std::string deep_written = InBag(opens + "<PropertyBag name=\"n\"/>" + closes);
   Scripted deep_root("PropertyBag", {},
-                     [&](XMLPropBag& b) { note(Describe(b.ReadProperty("L", Variant(7)))); });
-  pugi::xml_document foreign;
-  foreign.load_string("<Foreign/>");
-  // clang-format off
-  const std::vector<std::tuple<std::function<void()>, std::string, std::string>> steps = {  // step, read or raised, contents after
-      {[&] { bag->SetDocument(&foreign); },            "",      ""},
-      {[&] { bag->RestoreState(&a); },                 kNotSet, ""},
-      {[&] { bag->DeleteObject("A"); },                kNotSet, ""},
-      {[&] { bag->WriteProperty("P", Variant(1)); },   kNotSet, ""},
-      {[&] { bag->SetContents("<PropertyBag/>"); bag->ReadProperty("P"); }, kNotSet, InBag("")},
-      {[&] { bag->SetContents("<PropertyBag/>"); bag->SaveState(&a, "one"); bag->SaveState(&b_object); }, "",      InBag("<A name=\"one\"><ț.G-1>0</ț.G-1></A><B/>")},
-      {[&] { bag->SaveState(&a, "one"); },             "",      InBag("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/>")},
-      {[&] { bag->SaveState(&a, "two"); },             "",      InBag("<A name=\"one\"><ț.G-1>1</ț.G-1></A><B/><A name=\"two\"><ț.G-1>2</ț.G-1></A>")},
-      {[&] { bag->SaveState(&a); },                    "",      InBag(three)},
-      {[&] { bag->SetDocument(&foreign); bag->SaveState(nullptr); }, "",      InBag(three)},
-      {[&] { bag->WriteProperty("a:b", Variant(1)); }, kDomError + "'a:b' is not a valid element name.", InBag(three)},
-      {[&] { bag->SaveState(&invalid); },              kDomError + "'1x' is not a valid element name.", InBag(three)},
-      {[&] { bag->RestoreState(&a, "one"); bag->RestoreState(&c_object); bag->RestoreState(nullptr); }, "",      InBag(three)},
-      {[&] { bag->RestoreState(&a, "two"); bag->RestoreState(&a); }, "'2' '3'", InBag(three)},
-      {[&] { bag->RestoreState(&a, "say \"hi\""); },   kDomError + "The XPath expression \"//PropertyBag/A[@name=\"say \"hi\"\"]\" is invalid: Expected ']' to match an opening '['.", InBag(three)},
-      {[&] { bag->SetContents(indented); },            "",      InBag("<A name=\"x\"/><A name=\"y\"/><A name=\"x\"><P/></A>")},
-      {[&] { bag->DeleteObject("A", "x"); },           "",      InBag("<A name=\"y\"/><A name=\"x\"><P/></A>")},
-      {[&] { bag->DeleteObject("A"); bag->DeleteObject("Missing", "x"); }, "",      InBag("<A name=\"x\"><P/></A>")},
-      {[&] { bag->SaveState(&self_deleting, "x"); },   kNotSet, InBag("")},
-      {[&] { bag->SetContents(InBag(nested)); bag->RestoreState(&tree); }, "'second root' empty empty", InBag(nested)},
-      {[&] { bag->SetContents(InBag("<Holder><P>old</P></Holder>")); bag->RestoreState(&switching); }, "'old'", InBag("<Holder><P>new</P></Holder>")},
-      {[&] { bag->SetContents("<a/><b/>"); },          load + "Only one top level element is allowed in an XML document.", ""},
-      {[&] { bag->SetContents(""); },                  load + "XML document must have a top level element.", ""},
-      {[&] { bag->SetContents("x<a/>"); },             load + "Invalid at the top level of the document.", ""},
-      {[&] { bag->SetContents("<a/><![CDATA[x]]>"); }, load + "Invalid at the top level of the document.", ""},
-      {[&] { bag->SetContents("<a><b n=\"1\" m=\"2\" n=\"3\"/></a>"); }, load + "Duplicate attribute 'n'.", ""},
-      {[&] { bag->SetContents("<a><b n='1'\r\nn=\"2\"/></a>"); }, load + "Duplicate attribute 'n'.", ""},
-      {[&] { bag->SetContents("<a x=\"1\"y=\"2\"/>"); },  load + "Error parsing element attribute at line 1, column 9.", ""},
-      {[&] { bag->SetContents(std::string("<a>\0</a>", 8)); }, load + "An Invalid character was found in text content at line 1, column 4.", ""},
-      {[&] { bag->SetContents("<a>\r\n<b>\r\n</a>"); }, load + "Start-end tags mismatch at line 3, column 3.", ""},
-      {[&] { bag->SetContents(deep); },                "",      deep_written},
-      {[&] { bag->RestoreState(&deep_root, "n"); },    "7",     deep_written},
-      {[&] { bag->DeleteObject("PropertyBag", "n"); }, "",      InBag("")},
-      {[&] { bag->SetContents("<Other/>"); bag->SaveState(&a); }, kDomError + "Only one top level element is allowed in an XML document.", "<Other/>\r\n"},
+                     [&](XMLPropBag& b) { read = Describe(b.ReadProperty("L", Variant(7))); });
+  const std::vector<BagCase> cases = {
+      {deep, [&](XMLPropBag&) {}, "", deep_written},
+      {deep, [&](XMLPropBag& b) { b.RestoreState(&deep_root, "n"); }, "7", deep_written},
+      {deep, [&](XMLPropBag& b) { b.DeleteObject("PropertyBag", "n"); }, "", InBag("")},
   };
-  // clang-format on
-  for (std::size_t step = 0; step < steps.size(); ++step) {
-    SCOPED_TRACE(step);
-    read.clear();
-    EXPECT_EQ(Outcome([&] { return std::get<0>(steps[step])(), read; }), std::get<1>(steps[step]));
-    EXPECT_EQ(bag->Contents(), std::get<2>(steps[step]));
-  }
+  RunCases(cases, read);
 }
 
 }  // namespace
