@@ -27,66 +27,6 @@ using test_support::RaisesError;
 using test_support::RaisesRuntimeError;
 using V = Variant;
 
-TEST(NormalizeDBName, PlainAndDottedNamesDifferOnPurpose) {
-  // clang-format off
-  const std::vector<std::pair<const char*, const char*>> cases = {
-      {" Order Date ",      "[Order Date]"},
-      {"  Orders  ",        "Orders"},
-      {" Sum(Amount) x ",   "Sum(Amount) x"},
-      {"[Order Date]",      "[Order Date]"},
-      {"a)b c",             "[a)b c]"},  // only the dotted rule looks at ")"
-      {"x [y]",             "[x [y]]"},  // only the dotted rule looks at "[" inside
-      {"a\tb",              "a\tb"},
-      {"   ",               ""},
-      {"dbo.Order Date",    "dbo.[Order Date]"},
-      {"dbo. Order",        "dbo.[ Order]"},
-      {" dbo . Orders ",    "[ dbo ].[ Orders ]"},
-      {"dbo.a)b c",         "dbo.a)b c"},
-      {"dbo.x [y]",         "dbo.x [y]"},
-      {"a..b",              "a..b"},
-  };
-  // clang-format on
-  for (const auto& [given, stored] : cases) EXPECT_EQ(NormalizeDBName(given), stored) << given;
-}
-
-TEST(XqbTables, KeysIgnoreCaseTheExistenceTestsDoNot) {
-  auto tables = xqb_Tables::Create();
-  auto table = tables->Add(" Order Items ");
-  EXPECT_EQ(table->DBName() + "|" + table->Description(), "[Order Items]| Order Items ");
-  EXPECT_EQ(tables->Add("B", "Comenzi")->Description(), "Comenzi");
-  EXPECT_EQ(tables->Item(V("[order items]")), table);
-  EXPECT_FALSE(tables->TableExists("[order items]") || tables->TableExists("Order Items"));
-  auto fields = xqb_Fields::Create();
-  auto field = fields->Add("Order Date");
-  EXPECT_EQ(field->DBName() + "|" + field->Alias() + "|" + field->Caption(),
-            "[Order Date]|Order Date|Order Date");
-  fields->Add("Name");
-  auto table_b = xqb_Table::Create();
-  table_b->SetDBName("B");
-  auto field_name = xqb_Field::Create();
-  field_name->SetDBName("Name");
-  const std::string table_exists = "A table with this name already exists!";
-  const std::string field_exists = "A field with this name already exists in this table!";
-  const std::string lib(kLibraryName), used_key = StandardMessage(kErrKeyAlreadyAssociated);
-  // The existence tests compare the given text with the stored names; the keys ignore case.
-  // clang-format off
-  const std::vector<std::tuple<std::function<void()>, std::int32_t, std::string, std::string>> cases = {
-      {[&] { tables->Add("B", "x"); },               kErrTableExists,          "[Add Table]",       table_exists},
-      {[&] { tables->AddObjectTable(table_b); },     kErrTableExists,          "[AddObjectTable]",  table_exists},
-      {[&] { tables->Add("[ORDER ITEMS]"); },        kErrKeyAlreadyAssociated, lib,                 used_key},
-      {[&] { tables->AddObjectTable(nullptr); },     kErrObjectVariableNotSet, lib,                 StandardMessage(91)},
-      {[&] { fields->Add("Name"); },                 kErrFieldExists,          "[Add Field]",       field_exists},
-      {[&] { fields->AddObjectField(field_name); },  kErrFieldExists,          "[AddObjectField]",  field_exists},
-      {[&] { fields->Add("Order Date"); },           kErrKeyAlreadyAssociated, lib,                 used_key},
-      {[&] { fields->Add("name"); },                 kErrKeyAlreadyAssociated, lib,                 used_key},
-  };
-  // clang-format on
-  for (const auto& [action, number, source, description] : cases) {
-    EXPECT_TRUE(RaisesError(action, number, source, description)) << number << source;
-  }
-  EXPECT_EQ(tables->Count() * 10 + fields->Count(), 22);
-}
-
 TEST(NameIndex, FollowsRenamesRemovalsAndClear) {
   auto fields = xqb_Fields::Create();
   auto name = fields->Add("Name");

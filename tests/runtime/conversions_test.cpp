@@ -21,6 +21,7 @@ using test_support::ObjectWith;
 using test_support::RaisesRuntimeError;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kMarch2nd2010 = 40239;
 Variant Bytes() { return Variant(ByteArray{1, 2}); }
 
 // Texts grouped by what they read as; no value means "not a number" or "not a date".
@@ -198,6 +199,27 @@ TEST(Conversions, RaiseOverflowTypeMismatchAndTheErrorsOfNullAndObjects) {
     EXPECT_TRUE(RaisesRuntimeError([&] { convert(Variant::Nothing()); }, 91));
     EXPECT_TRUE(RaisesRuntimeError([&] { convert(test_support::ObjectWithoutDefault()); }, 438));
   }
+}
+
+TEST(Format, ReadsTextAsADateThenAsADayNumberThenLeavesIt) {
+  // clang-format off
+  struct Case { Variant value; const char *pattern, *expected; };
+  const Case cases[] = {
+      {Variant(40239),                "YYYYMM",      "201003"},
+      {Variant("3/2/2010"),           "dd-MMM-yyyy", "02-Mar-2010"},
+      {Variant(" 40239.5 "),          "dd hh",       "02 12"},
+      {Variant("abc"),                "yyyymm",      "abc"},
+      {Variant("99999999"),           "yyyy",        "99999999"},
+      {Variant(1e10),                 "yyyy",        "10000000000"},
+      {Variant::Null(),               "yyyy",        ""},
+      {Variant(),                     "yyyy",        ""},
+      {Variant(true),                 "dd-MMM-yyyy", "29-Dec-1899"},
+      {Variant(ErrorValue{static_cast<std::int32_t>(0x800A0005u)}), "yyyy", "Error 5"},
+      {Variant(Date{kMarch2nd2010}),  "",            "3/2/2010"},
+      {test_support::ObjectWith(Variant("3/2/2010")), "yyyy", "2010"},
+  };
+  // clang-format on
+  for (const Case& c : cases) EXPECT_EQ(Format(c.value, c.pattern), c.expected) << c.expected;
 }
 
 }  // namespace

@@ -130,26 +130,5 @@ TEST(FormatDate, WritesPatternTokens) {
   for (const Case& c : cases) EXPECT_EQ(FormatDate(c.serial, c.pattern), c.expected) << c.pattern;
 }
 
-TEST(Format, ReadsTextAsADateThenAsADayNumberThenLeavesIt) {
-  // clang-format off
-  struct Case { Variant value; const char *pattern, *expected; };
-  const Case cases[] = {
-      {Variant(40239),                "YYYYMM",      "201003"},
-      {Variant("3/2/2010"),           "dd-MMM-yyyy", "02-Mar-2010"},
-      {Variant(" 40239.5 "),          "dd hh",       "02 12"},
-      {Variant("abc"),                "yyyymm",      "abc"},
-      {Variant("99999999"),           "yyyy",        "99999999"},
-      {Variant(1e10),                 "yyyy",        "10000000000"},
-      {Variant::Null(),               "yyyy",        ""},
-      {Variant(),                     "yyyy",        ""},
-      {Variant(true),                 "dd-MMM-yyyy", "29-Dec-1899"},
-      {Variant(ErrorValue{static_cast<std::int32_t>(0x800A0005u)}), "yyyy", "Error 5"},
-      {Variant(Date{kMarch2nd2010}),  "",            "3/2/2010"},
-      {test_support::ObjectWith(Variant("3/2/2010")), "yyyy", "2010"},
-  };
-  // clang-format on
-  for (const Case& c : cases) EXPECT_EQ(Format(c.value, c.pattern), c.expected) << c.expected;
-}
-
 }  // namespace
 }  // namespace brix
