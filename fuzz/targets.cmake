@@ -4,4 +4,6 @@ set(BRIX_FUZZ_TARGETS
   load_xml_def_fuzz
   text_conversions_fuzz
   base64_fuzz
+  string_builder_fuzz
+  error_trace_fuzz
 )

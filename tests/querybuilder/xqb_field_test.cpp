@@ -10,6 +10,8 @@
 namespace brix {
 namespace {
 
+auto K(std::int32_t clause) { return static_cast<qbe_ClauseOperator>(clause); }
+
 // The clauses `field` lists, each followed by "|", the list's first "|" before them.
 std::string Listed(const xqb_Field& field) {
   std::string text = "|";
