@@ -2,6 +2,7 @@
 #include "persistence/xml_text_reader.h"
 
 #include <algorithm>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -89,6 +90,10 @@ void ReadXmlText(pugi::xml_document& document, std::string_view text) {
                  text.data(), text.size(), pugi::parse_default | pugi::parse_fragment,
                  pugi::encoding_utf8);
              !result) {
+    if (result.status == pugi::status_out_of_memory) {
+      document.reset();
+      throw std::bad_alloc();  // the callers report running out of memory as such
+    }
     reason = result.description() + Location(text, static_cast<std::size_t>(result.offset));
   } else {
     reason = CheckTree(document, text);

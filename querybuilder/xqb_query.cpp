@@ -2,6 +2,7 @@
 #include "querybuilder/xqb_query.h"
 
 #include <limits>
+#include <new>
 #include <vector>
 
 #include "persistence/xml_prop_bag.h"
@@ -168,14 +169,43 @@ Variant xqb_Query::GetControlTypes() const { return ControlTypeList(); }
 Variant xqb_Query::GetSortTypes() const { return SortTypeList(); }
 Variant xqb_Query::GetAggregateFunctions() const { return AggregateFunctionList(); }
 
+namespace {
+
+constexpr const char* kLoadSource = "[OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]";
+constexpr const char* kLoadMessage = "Couldn't load xml query definition!";
+constexpr const char* kSaveSource = "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]";
+constexpr const char* kSaveMessage = "Couldn't save xml query definition!";
+
+/// Memory running out is the platform's "Out of memory" (7), raised with the operation's text.
+[[noreturn]] void RaiseOutOfMemory(const char* source, const char* message) {
+  const Error out_of_memory(kErrOutOfMemory, "", StandardMessage(kErrOutOfMemory));
+  Raise(kErrOutOfMemory, source, TrappedDescription(message, "", out_of_memory));
+}
+
+}  // namespace
+
+// A document that runs the process out of memory leaves the query as it was: the definition is
+// kept aside (the tables by reference: a load builds new collections) and swapped back.
 void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
+  std::shared_ptr<xqb_Query> before;
+  bool kept = false;  // nothing of the query changes before the copy is whole
   try {
+    before.reset(new xqb_Query());
+    before->DefinitionMembers() = DefinitionMembers();
+    kept = true;
     auto bag = XMLPropBag::Create();
     bag->SetContents(XMLDef);
     if (!ReadRegularDefinition(*bag->Document(), *this)) bag->RestoreState(this);
   } catch (const Error& trapped) {
-    Raise(kErrLoadXMLDef, "[OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]",
-          TrappedDescription("Couldn't load xml query definition!", "", trapped));
+    Raise(kErrLoadXMLDef, kLoadSource, TrappedDescription(kLoadMessage, "", trapped));
+  } catch (const std::bad_alloc&) {
+    if (kept) {
+      auto mine = DefinitionMembers();
+      auto kept = before->DefinitionMembers();
+      mine.swap(kept);
+      before.reset();  // frees what the load had built before raising
+    }
+    RaiseOutOfMemory(kLoadSource, kLoadMessage);
   }
 }
 
@@ -183,8 +213,9 @@ std::string xqb_Query::SaveXMLDef() {
   try {
     return XMLPropBag::SaveStateText(*this, QueryName());
   } catch (const Error& trapped) {
-    Raise(kErrSaveXMLDef, "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]",
-          TrappedDescription("Couldn't save xml query definition!", "", trapped));
+    Raise(kErrSaveXMLDef, kSaveSource, TrappedDescription(kSaveMessage, "", trapped));
+  } catch (const std::bad_alloc&) {
+    RaiseOutOfMemory(kSaveSource, kSaveMessage);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "persistence/ixml_prop_bag.h"
 #include "querybuilder/xqb_definitions.h"
@@ -169,6 +170,14 @@ class xqb_Query : public IXMLPropBag {
 
  private:
   xqb_Query();
+
+  /// The members a definition document holds (all but `Today`), as references.
+  auto DefinitionMembers() {
+    return std::tie(b_syn_, b_use_phonic_searching_, b_use_stemming_, b_use_natural_language_,
+                    b_use_word_net_synonyms_, access_rights_, grid_line_style_, grid_lines_,
+                    shade_group_headings_, query_name_, query_description_, query_type_,
+                    statement_type_, distinct_rows_, groups_collapsed_, tables_, tag_);
+  }
 
   bool b_syn_ = false;
   bool b_use_phonic_searching_ = false;

@@ -28,6 +28,8 @@ std::string StandardMessage(std::int32_t number) {
       return "Invalid procedure call or argument";
     case kErrOverflow:
       return "Overflow";
+    case kErrOutOfMemory:
+      return "Out of memory";
     case kErrSubscriptOutOfRange:
       return "Subscript out of range";
     case kErrTypeMismatch:

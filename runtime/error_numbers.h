@@ -11,6 +11,7 @@ inline constexpr std::int32_t kObjectErrorBase = static_cast<std::int32_t>(0x800
 // Run-time errors of the platform, with the platform's numbers.
 inline constexpr std::int32_t kErrInvalidProcedureCall = 5;
 inline constexpr std::int32_t kErrOverflow = 6;
+inline constexpr std::int32_t kErrOutOfMemory = 7;
 inline constexpr std::int32_t kErrSubscriptOutOfRange = 9;
 inline constexpr std::int32_t kErrTypeMismatch = 13;
 inline constexpr std::int32_t kErrObjectVariableNotSet = 91;

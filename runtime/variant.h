@@ -75,6 +75,14 @@ class Variant {
   using ObjectRef = std::shared_ptr<Object>;
 
   Variant() = default;  ///< Empty.
+  Variant(const Variant& other) : value_(CopyOf(other.value_)) {}
+  Variant(Variant&&) noexcept = default;
+  Variant& operator=(const Variant& other) {
+    value_ = CopyOf(other.value_);
+    return *this;
+  }
+  Variant& operator=(Variant&&) noexcept = default;
+  ~Variant() = default;
   explicit Variant(std::int16_t v) : value_(v) {}
   explicit Variant(std::int32_t v) : value_(v) {}
   explicit Variant(float v) : value_(v) {}
@@ -149,10 +157,22 @@ class Variant {
   [[noreturn]] static void ThrowTypeMismatch();
 
   // Variant arrays are shared and immutable, so copying a variant stays cheap.
-  std::variant<std::monostate, NullTag, std::int16_t, std::int32_t, float, double, Currency, Date,
-               std::string, bool, std::uint8_t, ErrorValue, ObjectRef, ByteArray,
-               std::shared_ptr<const VariantArray>>
-      value_;
+  using Storage = std::variant<std::monostate, NullTag, std::int16_t, std::int32_t, float, double,
+                               Currency, Date, std::string, bool, std::uint8_t, ErrorValue,
+                               ObjectRef, ByteArray, std::shared_ptr<const VariantArray>>;
+
+  // A copy made by constructing the held alternative in place: the library's own copy
+  // constructor of std::variant (GCC 12) destroys an alternative it never built when copying a
+  // text or an array runs out of memory.
+  static Storage CopyOf(const Storage& value) {
+    return std::visit(
+        [](const auto& held) {
+          return Storage(std::in_place_type<std::decay_t<decltype(held)>>, held);
+        },
+        value);
+  }
+
+  Storage value_;
 };
 
 /// The simple value behind a variant: the variant itself, or for an object the value of its default

@@ -1,5 +1,6 @@
 // brixq: prints what the library makes of a query definition document (see UsageText).
 #include <iostream>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,6 +48,10 @@ int Main(const std::vector<std::string_view>& args) {
     // One line per error: a wrapped library error's CR LF before "Reason: " becomes a blank.
     std::cerr << "brixq: " << brix::ReplaceAll(error.Description(), "\r\n", " ") << " (error "
               << error.Number() << ")\n";
+    return kExitError;
+  } catch (const std::bad_alloc&) {
+    std::cerr << "brixq: out of memory: the input is too large for the memory this process may "
+                 "use (error 7)\n";
     return kExitError;
   }
   return std::cout ? 0 : kExitError;
