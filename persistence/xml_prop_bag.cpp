@@ -131,13 +131,16 @@ bool IsText(pugi::xml_node node) {
   return type == pugi::node_pcdata || type == pugi::node_cdata;
 }
 
-/// The text of an element: all text and CDATA below it, in document order, untrimmed.
+/// The text of an element: all text and CDATA below it, in document order, untrimmed (leading
+/// text the parser kept in the element itself first).
 std::string ElementText(pugi::xml_node element) {
   pugi::xml_node first = element.first_child();
-  if (first && IsText(first) && !first.next_sibling()) return first.value();  // the usual case
-  std::string text;
+  if (!first) return element.value();
+  if (IsText(first) && !first.next_sibling() && !*element.value()) return first.value();
+  std::string text = element.value();
   for (pugi::xml_node node = first; node; node = NextInDocumentOrder(node, element)) {
-    if (IsText(node)) text += node.value();
+    // Text nodes, and the leading text a parser kept in an element itself.
+    if (IsText(node) || node.type() == pugi::node_element) text += node.value();
   }
   return text;
 }
@@ -493,6 +496,11 @@ std::string XMLPropBag::Contents() const {
 void XMLPropBag::SetContents(std::string_view text) {
   state_->document_ = std::make_shared<SharedDocument>();
   ReadXmlText(state_->document_->Dom(), text);
+}
+
+void XMLPropBag::SetContentsForReading(std::string_view text) {
+  state_->document_ = std::make_shared<SharedDocument>();
+  ReadXmlText(state_->document_->Dom(), text, true);
 }
 
 const pugi::xml_document* XMLPropBag::Document() const {

@@ -98,6 +98,11 @@ class XMLPropBag : public Object {
   /// document. The current node and path are kept.
   void SetContents(std::string_view text);
 
+  /// `SetContents` for a document that is only read through this bag: an element's leading text
+  /// is kept in the element itself (a third less memory for documents of short values), so an
+  /// XPath expression that selects text nodes finds none; `Contents` still gives the text.
+  void SetContentsForReading(std::string_view text);
+
   /// The DOM document, or nullptr when the bag has none.
   const pugi::xml_document* Document() const;
   /// Accepted and ignored: the bag keeps its document.

@@ -81,13 +81,15 @@ std::string CheckTree(pugi::xml_document& document, std::string_view text) {
 
 }  // namespace
 
-void ReadXmlText(pugi::xml_document& document, std::string_view text) {
+void ReadXmlText(pugi::xml_document& document, std::string_view text, bool embed_text) {
   document.reset();
   std::string reason;
   if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
     reason = "An Invalid character was found in text content" + Location(text, nul);
   } else if (pugi::xml_parse_result result = document.load_buffer(
-                 text.data(), text.size(), pugi::parse_default | pugi::parse_fragment,
+                 text.data(), text.size(),
+                 pugi::parse_default | pugi::parse_fragment |
+                     (embed_text ? pugi::parse_embed_pcdata : 0u),
                  pugi::encoding_utf8);
              !result) {
     if (result.status == pugi::status_out_of_memory) {

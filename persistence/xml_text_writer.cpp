@@ -148,6 +148,7 @@ class DocumentWalker : public pugi::xml_tree_walker {
          attribute = attribute.next_attribute()) {
       writer_.Attribute(attribute.name(), attribute.value());
     }
+    if (*element.value()) writer_.Text(element.value());  // leading text kept in the element
     if (!element.first_child()) writer_.EndElement();
   }
 

@@ -102,7 +102,8 @@ Variant ElementValue(pugi::xml_node element) {
 std::optional<std::string_view> PlainText(pugi::xml_node element) {
   if (element.first_attribute()) return std::nullopt;
   const pugi::xml_node first = element.first_child();
-  if (!first) return std::string_view();
+  if (!first) return std::string_view(element.value());  // empty, or text kept in the element
+  if (*element.value()) return std::nullopt;
   const pugi::xml_node_type type = first.type();
   if ((type != pugi::node_pcdata && type != pugi::node_cdata) || first.next_sibling()) {
     return std::nullopt;

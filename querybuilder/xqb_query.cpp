@@ -194,7 +194,7 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
     before->DefinitionMembers() = DefinitionMembers();
     kept = true;
     auto bag = XMLPropBag::Create();
-    bag->SetContents(XMLDef);
+    bag->SetContentsForReading(XMLDef);
     if (!ReadRegularDefinition(*bag->Document(), *this)) bag->RestoreState(this);
   } catch (const Error& trapped) {
     Raise(kErrLoadXMLDef, kLoadSource, TrappedDescription(kLoadMessage, "", trapped));

@@ -342,5 +342,34 @@ TEST(XMLPropBag, LoadsRestoresAndDeletesVeryDeepDocumentsWithoutRecursion) {
   RunCases(cases, read);
 }
 
+// A bag loaded for reading keeps leading text in the elements themselves; every read and the
+// contents are the same as after SetContents.
+TEST(XMLPropBag, ReadsTheSameWhenLoadedForReading) {
+  const std::vector<std::string> documents = {
+      "<Holder><P>text</P></Holder>",
+      "<Holder><P/></Holder>",
+      "<Holder><P>a<![CDATA[<b>]]>c</P></Holder>",
+      "<Holder><P><![CDATA[x]]>tail</P></Holder>",
+      "<Holder><P>lead<Q>inner</Q>tail<R><S>deep</S></R></P></Holder>",
+      "<Holder><P vartype=\"NULL\">ignored</P></Holder>",
+      "<Holder><P xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" dt:dt=\"bin.base64\">QUJD</P></Holder>",
+      "<Holder>top<P>x</P>end</Holder>",
+  };
+  for (const std::string& document : documents) {
+    std::string read[2], contents[2];
+    for (int mode = 0; mode < 2; ++mode) {
+      Scripted holder("Holder", {}, [&](XMLPropBag& bag) {
+        read[mode] = Describe(bag.ReadProperty("P"));
+      });
+      auto bag = XMLPropBag::Create();
+      mode == 0 ? bag->SetContents(InBag(document)) : bag->SetContentsForReading(InBag(document));
+      bag->RestoreState(&holder);
+      contents[mode] = bag->Contents();
+    }
+    EXPECT_EQ(read[1], read[0]) << document;
+    EXPECT_EQ(contents[1], contents[0]) << document;
+  }
+}
+
 }  // namespace
 }  // namespace brix
