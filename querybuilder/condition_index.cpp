@@ -1,8 +1,8 @@
 // Counting index of conditions by clause and canonical operands.
 #include "querybuilder/condition_index.h"
 
-#include <cmath>
 #include <array>
+#include <cmath>
 #include <functional>
 
 #include "runtime/text.h"
@@ -35,6 +35,11 @@ std::optional<ConditionIndex::Operand> ConditionIndex::Canonical(const Variant& 
   switch (value.Type()) {
     case vbEmpty:
       return Operand{};
+    case vbNull:
+      return Operand{Kind::kNull, 0, {}};
+    case vbSingle:
+    case vbCurrency:
+      return Operand{Kind::kRounded, 0, {}};
     case vbString: {
       // Texts compare by their UTF-16 code units, so malformed UTF-8 that decodes alike is alike.
       const std::string& text = value.AsString();
@@ -55,33 +60,53 @@ std::optional<ConditionIndex::Operand> ConditionIndex::Canonical(const Variant& 
   }
 }
 
-std::optional<ConditionIndex::Key> ConditionIndex::KeyOf(const xqb_Condition& condition) {
+ConditionIndex::Entry ConditionIndex::EntryOf(const xqb_Condition& condition, Key& key) {
   std::optional<Operand> value = Canonical(condition.Value());
   std::optional<Operand> secondary = Canonical(condition.SecondaryValue());
-  if (!value || !secondary) return std::nullopt;
-  return Key{condition.Clause(), std::move(*value), std::move(*secondary)};
+  if (!value || !secondary) return Entry::kIrregular;
+  if (value->kind == Kind::kNull || secondary->kind == Kind::kNull) return Entry::kNever;
+  if (value->kind == Kind::kRounded || secondary->kind == Kind::kRounded) return Entry::kRounded;
+  key = Key{condition.Clause(), std::move(*value), std::move(*secondary)};
+  return Entry::kKeyed;
 }
 
 void ConditionIndex::Insert(const xqb_Condition& condition) {
-  if (std::optional<Key> key = KeyOf(condition)) {
-    ++counts_[std::move(*key)];
-  } else {
-    ++irregular_;
+  Key key;
+  switch (EntryOf(condition, key)) {
+    case Entry::kKeyed:
+      ++counts_[std::move(key)];
+      break;
+    case Entry::kRounded:
+      rounded_.push_back(&condition);
+      break;
+    case Entry::kIrregular:
+      ++irregular_;
+      break;
+    case Entry::kNever:
+      break;
   }
 }
 
 void ConditionIndex::Erase(const xqb_Condition& condition) {
-  std::optional<Key> key = KeyOf(condition);
-  if (!key) {
-    --irregular_;
-    return;
+  Key key;
+  switch (EntryOf(condition, key)) {
+    case Entry::kKeyed:
+      if (auto it = counts_.find(key); it != counts_.end() && --it->second == 0) counts_.erase(it);
+      break;
+    case Entry::kRounded:
+      std::erase(rounded_, &condition);
+      break;
+    case Entry::kIrregular:
+      --irregular_;
+      break;
+    case Entry::kNever:
+      break;
   }
-  auto it = counts_.find(*key);
-  if (it != counts_.end() && --it->second == 0) counts_.erase(it);
 }
 
 void ConditionIndex::Clear() {
   counts_.clear();
+  rounded_.clear();
   irregular_ = 0;
 }
 
@@ -89,7 +114,15 @@ std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
                                              const Variant& value) const {
   if (irregular_ > 0) return std::nullopt;
   std::optional<Operand> given = Canonical(value);
-  if (!given) return std::nullopt;
+  if (!given || given->kind == Kind::kRounded) return std::nullopt;
+  if (given->kind == Kind::kNull) return false;  // nothing held raises, and Null equals nothing
+  // Conditions compared after rounding are few (only programs set such operands): one by one.
+  for (const xqb_Condition* held : rounded_) {
+    if (held->Clause() == clause && VarEqual(held->Value(), value) &&
+        VarEqual(held->SecondaryValue(), value)) {
+      return true;
+    }
+  }
   // Empty equals both "" and 0, while "" and 0 differ: list every stored form equal to `value`.
   std::array<OperandView, 3> equal_forms{given->View()};
   std::size_t form_count = 1;

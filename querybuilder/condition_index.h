@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_definitions.h"
@@ -14,10 +15,13 @@
 
 namespace brix {
 
-/// Counts the conditions of one collection by (Clause, Value, SecondaryValue). Operands are
-/// "regular" when their comparison can neither raise nor be Null and equality is exact: Empty,
-/// String, and Integer, Long, Double, Byte, Boolean and Date (by their numeric value, NaN
-/// excluded). A condition with any other operand makes the index step aside.
+/// Counts the conditions of one collection by (Clause, Value, SecondaryValue), keyed where equality
+/// is exact: Empty, String, and Integer, Long, Double, Byte, Boolean and Date (by their numeric
+/// value, NaN excluded). A condition with a Null operand can never match (a comparison with Null
+/// is not equal) and is left out. Single and Currency operands compare after rounding, which no
+/// key can hold: those conditions are kept in a list and compared one by one. Operands whose
+/// comparison can raise (objects, arrays, error values) make the index step aside, so that the
+/// exact scan raises in position order; a field holding one fails at its next addition.
 class ConditionIndex {
  public:
   void Insert(const xqb_Condition& condition);
@@ -30,7 +34,8 @@ class ConditionIndex {
   std::optional<bool> HasMatch(qbe_ClauseOperator clause, const Variant& value) const;
 
  private:
-  enum class Kind { kEmpty, kText, kNumber };
+  enum class Kind { kEmpty, kText, kNumber, kNull, kRounded };
+  enum class Entry { kKeyed, kNever, kRounded, kIrregular };
   struct OperandView {
     Kind kind = Kind::kEmpty;
     double number = 0;
@@ -72,9 +77,10 @@ class ConditionIndex {
   };
 
   static std::optional<Operand> Canonical(const Variant& value);
-  static std::optional<Key> KeyOf(const xqb_Condition& condition);
+  static Entry EntryOf(const xqb_Condition& condition, Key& key);
 
   std::unordered_map<Key, std::int32_t, KeyHash, KeyEqual> counts_;
+  std::vector<const xqb_Condition*> rounded_;
   std::int32_t irregular_ = 0;
 };
 
