@@ -17,6 +17,8 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/xml_path_index.h
   persistence/xml_prop_bag.cpp
   persistence/xml_prop_bag_errors.h
+  persistence/xml_text_decoder.cpp
+  persistence/xml_text_decoder.h
   persistence/xml_text_reader.cpp
   persistence/xml_text_reader.h
   persistence/xml_text_writer.cpp

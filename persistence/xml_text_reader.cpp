@@ -7,22 +7,13 @@
 #include <vector>
 
 #include "persistence/xml_prop_bag_errors.h"
+#include "persistence/xml_text_decoder.h"
 #include "runtime/error_numbers.h"
 
 namespace brix {
 namespace {
 
 constexpr bool IsXmlSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-std::string Location(std::string_view text, std::size_t offset) {
-  offset = std::min(offset, text.size());
-  const std::string_view before = text.substr(0, offset);
-  const std::size_t line = 1 + std::count(before.begin(), before.end(), '\n');
-  const std::size_t last_break = before.rfind('\n');
-  const std::size_t line_start = last_break == std::string_view::npos ? 0 : last_break + 1;
-  return " at line " + std::to_string(line) + ", column " +
-         std::to_string(offset - line_start + 1) + ".";
-}
 
 /// Finds the first element, in document order, that repeats an attribute name. The DOM's own
 /// walk keeps the calls per node few; only elements with two or more attributes are sorted.
@@ -81,24 +72,23 @@ std::string CheckTree(pugi::xml_document& document, std::string_view text) {
 
 }  // namespace
 
-void ReadXmlText(pugi::xml_document& document, std::string_view text, bool embed_text) {
+void ReadXmlText(pugi::xml_document& document, std::string_view bytes, bool embed_text) {
   document.reset();
-  std::string reason;
-  if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos) {
-    reason = "An Invalid character was found in text content" + Location(text, nul);
-  } else if (pugi::xml_parse_result result = document.load_buffer(
-                 text.data(), text.size(),
-                 pugi::parse_default | pugi::parse_fragment |
-                     (embed_text ? pugi::parse_embed_pcdata : 0u),
-                 pugi::encoding_utf8);
-             !result) {
+  std::string decoded;
+  const std::string_view text = DecodeXmlText(bytes, decoded);
+  std::string reason = ForbiddenCharacters(text);
+  if (reason.empty()) {
+    const pugi::xml_parse_result result = document.load_buffer(
+        text.data(), text.size(),
+        pugi::parse_default | pugi::parse_fragment | (embed_text ? pugi::parse_embed_pcdata : 0u),
+        pugi::encoding_utf8);
     if (result.status == pugi::status_out_of_memory) {
       document.reset();
       throw std::bad_alloc();  // the callers report running out of memory as such
     }
-    reason = result.description() + Location(text, static_cast<std::size_t>(result.offset));
-  } else {
-    reason = CheckTree(document, text);
+    reason = result
+                 ? CheckTree(document, text)
+                 : result.description() + Location(text, static_cast<std::size_t>(result.offset));
   }
   if (reason.empty()) return;
   document.reset();

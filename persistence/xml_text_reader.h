@@ -6,7 +6,9 @@
 
 namespace brix {
 
-/// Parses UTF-8 `text` into `document` with the parser's default options: declarations,
+/// Parses the document `text` (its encoding read as `DecodeXmlText` reads it; characters XML
+/// does not allow refused, see `ForbiddenCharacters`) into `document` with the parser's default
+/// options: declarations,
 /// comments, processing instructions and whitespace-only text between elements are dropped,
 /// CR LF and lone CRs become LF, references are expanded, unknown entity references are kept
 /// as they are. Raises `kErrInvalidXMLFile` with the reason and leaves `document` empty: the

@@ -61,6 +61,16 @@ bool IsLowSurrogate(char16_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
 }  // namespace
 
+std::string FromAnsiBytes(std::string_view bytes) {
+  std::u16string units;
+  units.reserve(bytes.size());
+  for (const char byte : bytes) {
+    const auto code = static_cast<std::uint8_t>(byte);
+    units.push_back(code < 0x80 ? char16_t{code} : kHighHalf[code - 0x80]);
+  }
+  return ToUtf8(units);
+}
+
 ByteArray ToAnsiBytes(std::string_view text) {
   const std::u16string units = ToUtf16(text);
   ByteArray bytes;

@@ -1,6 +1,7 @@
 // The system's 8-bit ("ANSI") code page: Windows-1250, the Central European code page.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "runtime/variant.h"
@@ -14,5 +15,8 @@ namespace brix {
 /// U+0098, so that every byte reads back as itself. Any other character, a character outside
 /// the Basic Multilingual Plane included, becomes one "?".
 ByteArray ToAnsiBytes(std::string_view text);
+
+/// Windows-1250 `bytes` as UTF-8 text: every byte is one character, as the table above reads it.
+std::string FromAnsiBytes(std::string_view bytes);
 
 }  // namespace brix
