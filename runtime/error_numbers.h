@@ -33,6 +33,17 @@ inline constexpr std::int32_t kErrAddParamValues = kObjectErrorBase + 10100;
 inline constexpr std::int32_t kErrLoadXMLDef = kObjectErrorBase + 10101;
 inline constexpr std::int32_t kErrSaveXMLDef = kObjectErrorBase + 10102;
 
+// The call envelope (cMarshall).
+inline constexpr std::int32_t kErrMarshallCreate = kObjectErrorBase + 0x201;
+inline constexpr std::int32_t kErrUnsupportedDataType = kObjectErrorBase + 0x205;
+inline constexpr std::int32_t kErrCannotCompress = kObjectErrorBase + 0x206;
+inline constexpr std::int32_t kErrCannotUncompress = kObjectErrorBase + 0x207;
+/// Chosen for "Unable to write value", next to the envelope's other numbers.
+inline constexpr std::int32_t kErrAddParamWrite = kObjectErrorBase + 0x208;
+inline constexpr std::int32_t kErrRetvalWrite = kObjectErrorBase + 0x209;
+/// The Retval reading's "Unsupported data type" is a plain 517, not offset by the base.
+inline constexpr std::int32_t kErrRetvalUnsupported = 517;
+
 // The XML property bag: the object-error base + 1048 + the bag's published constants.
 inline constexpr std::int32_t kXMLPropertyBagErrorBase = 29450;
 inline constexpr std::int32_t kErrInvalidVariantType = kObjectErrorBase + 1048 + 29451;

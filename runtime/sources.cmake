@@ -7,6 +7,7 @@ set(BRIX_RUNTIME_HEADERS
   runtime/error_numbers.h
   runtime/keyed_collection.h
   runtime/object.h
+  runtime/property_bag.h
   runtime/text.h
   runtime/variant.h
 )
@@ -18,6 +19,7 @@ set(BRIX_RUNTIME_SOURCES
   runtime/dates.cpp
   runtime/error.cpp
   runtime/object.cpp
+  runtime/property_bag.cpp
   runtime/rounding.cpp
   runtime/rounding.h
   runtime/text.cpp
