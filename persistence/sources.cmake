@@ -1,6 +1,9 @@
 # Sources and public headers of persistence/.
 set(BRIX_PERSISTENCE_HEADERS
+  persistence/c_marshall.h
   persistence/cls_base64.h
+  persistence/cls_qsom_dm.h
+  persistence/cls_user.h
   persistence/ixml_prop_bag.h
   persistence/xml_prop_bag.h
 )
@@ -9,7 +12,13 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/base64_core.h
   persistence/bin_base64.cpp
   persistence/bin_base64.h
+  persistence/c_marshall.cpp
   persistence/cls_base64.cpp
+  persistence/cls_qsom_dm.cpp
+  persistence/cls_user.cpp
+  persistence/keyed_compression.cpp
+  persistence/keyed_compression.h
+  persistence/record_row.h
   persistence/query_definition_document.cpp
   persistence/shared_xml_document.cpp
   persistence/shared_xml_document.h

@@ -1,0 +1,45 @@
+// One persisted property of a record: its key and the member that holds it, with the writing and
+// the reading (text, 32-bit integer or Boolean, converted as the platform converts) shared by
+// the records.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+
+#include "runtime/conversions.h"
+#include "runtime/property_bag.h"
+
+namespace brix {
+
+template <class Record>
+struct RecordRow {
+  const char* key;
+  std::variant<std::string Record::*, std::int32_t Record::*, bool Record::*> member;
+};
+
+/// Writes the row's member under its key with no default, so that every key is present.
+template <class Record>
+void WriteRow(const RecordRow<Record>& row, const Record& record, PropertyBag& bag) {
+  std::visit([&](auto member) { bag.WriteProperty(row.key, Variant(record.*member)); }, row.member);
+}
+
+/// Reads the row's key with no default (a missing key raises 327) into its member.
+template <class Record>
+void ReadRow(const RecordRow<Record>& row, Record& record, PropertyBag& bag) {
+  const Variant value = bag.ReadProperty(row.key);
+  std::visit(
+      [&](auto member) {
+        using Held = std::remove_reference_t<decltype(record.*member)>;
+        if constexpr (std::is_same_v<Held, std::string>) {
+          record.*member = CStr(value);
+        } else if constexpr (std::is_same_v<Held, std::int32_t>) {
+          record.*member = CLng(value);
+        } else {
+          record.*member = CBool(value);
+        }
+      },
+      row.member);
+}
+
+}  // namespace brix
