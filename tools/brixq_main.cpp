@@ -10,6 +10,7 @@
 #include "runtime/text.h"
 #include "tools/base64_command.h"
 #include "tools/command_line.h"
+#include "tools/envelope_command.h"
 #include "tools/file_access.h"
 #include "tools/query_commands.h"
 
@@ -22,10 +23,14 @@ int Main(const std::vector<std::string_view>& args) {
   using namespace brix::brixq;
   Options options;
   Base64Options base64;
+  EnvelopeOptions envelope;
   const bool is_base64 = IsBase64Command(args);
+  const bool is_envelope = IsEnvelopeCommand(args);
   try {
     if (is_base64) {
       base64 = ParseBase64CommandLine(args);
+    } else if (is_envelope) {
+      envelope = ParseEnvelopeCommandLine(args);
     } else {
       options = ParseCommandLine(args);
     }
@@ -33,7 +38,7 @@ int Main(const std::vector<std::string_view>& args) {
     std::cerr << "brixq: " << error.what() << "\n\n" << UsageText();
     return kExitUsage;
   }
-  if (options.help || base64.help) {
+  if (options.help || base64.help || envelope.help) {
     std::cout << UsageText();
     return 0;
   }
@@ -42,8 +47,14 @@ int Main(const std::vector<std::string_view>& args) {
     return 0;
   }
   try {
-    std::cout << (is_base64 ? RunBase64Command(base64, ReadDefinition("-")) : RunCommand(options))
-              << std::flush;
+    if (is_base64) {
+      std::cout << RunBase64Command(base64, ReadDefinition("-"));
+    } else if (is_envelope) {
+      std::cout << DescribeEnvelope(envelope, ReadDefinition(envelope.file));
+    } else {
+      std::cout << RunCommand(options);
+    }
+    std::cout << std::flush;
   } catch (const brix::Error& error) {
     // One line per error: a wrapped library error's CR LF before "Reason: " becomes a blank.
     std::cerr << "brixq: " << brix::ReplaceAll(error.Description(), "\r\n", " ") << " (error "

@@ -15,6 +15,7 @@ constexpr std::string_view kUsage =
     R"(Usage: brixq COMMAND [OPTIONS] FILE
        brixq --help | --version
        brixq b64 encode [--span N] | brixq b64 decode
+       brixq envelope FILE [--compressed]
 
 Loads the query definition document FILE ("-" reads standard input) and prints:
   sql        the SELECT statement (ReturnSQL)
@@ -29,6 +30,10 @@ Reads standard input and prints, with nothing added:
   b64 encode  its Base64 text (EncodeB64); with --span N in lines of N characters
               ending in CR LF (Span)
   b64 decode  its bytes (Unspan, then DecodeB64)
+
+Reads the call envelope FILE ("-" standard input) and prints its class, procedure, session,
+error, return value and parameters with their types:
+  envelope    --compressed when it was compressed (bMakeCompress)
 
 Options:
   --top N             sql, run: at most N rows (LIMIT N); 0, the default, means all

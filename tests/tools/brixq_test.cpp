@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "persistence/c_marshall.h"
+#include "persistence/cls_user.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/text.h"
 
@@ -271,6 +273,43 @@ TEST(Brixq, EncodesAndDecodesBase64BetweenTheStandardStreams) {
   for (int c = 0; c < 256; ++c) document += static_cast<char>(c);
   Outcome encoded = RunBrixq({"b64", "encode", "--span", "76"}, document);
   EXPECT_EQ(RunBrixq({"b64", "decode"}, encoded.out).out, document);
+}
+
+// An envelope a host would send: a record, a flag, and an answer with its error.
+std::string EnvelopeBytes(bool compressed) {
+  auto record = clsUser::Create();
+  record->SetUserName("ana");
+  auto envelope = cMarshall::Create();
+  envelope->SetbMakeCompress(compressed);
+  envelope->SetClassName("Users");
+  envelope->SetProcedureName("Login");
+  envelope->AddParam("User", Variant(record));
+  envelope->AddParam("Bytes", Variant(ByteArray{1, 2, 3}));
+  envelope->AddParam("Empty", Variant());
+  envelope->SetErrorNo(13);
+  envelope->SetErrorSource("[Login]");
+  envelope->SetErrorDescription("Type mismatch");
+  const ByteArray bytes = envelope->GetContents();
+  return std::string(bytes.begin(), bytes.end());
+}
+
+TEST(Brixq, ShowsWhatAnEnvelopeCarries) {
+  const std::string shown =
+      "class: Users\nprocedure: Login\nsession: (none)\n"
+      "error: 13, source \"[Login]\", description \"Type mismatch\"\n"
+      "return: (Unsupported data type, error 517)\nparameters: 3\n  User: Object clsUser\n"
+      "  Bytes: Byte() 3 bytes\n  Empty: (Unsupported data type, error -2147220987)\n";
+  // clang-format off
+  ExpectRuns({
+      {{"envelope", "-"},                 0, shown, "", EnvelopeBytes(false)},
+      {{"envelope", "-", "--compressed"}, 0, shown, "", EnvelopeBytes(true)},
+      {{"envelope", "-"},                 1, "", "- holds a compressed envelope: add --compressed (error 5)", EnvelopeBytes(true)},
+      {{"envelope", "-", "--compressed"}, 1, "", "- holds an envelope that is not compressed: leave out --compressed (error 5)", EnvelopeBytes(false)},
+      {{"envelope", "-"},                 1, "", "The property bag's bytes are damaged: they are not a property bag at byte 4. (error 5)", "garbage"},
+      {{"envelope"},                      2, "", "missing envelope FILE"},
+      {{"envelope", "a", "b"},            2, "", "envelope takes one FILE, not also \"b\""},
+  });
+  // clang-format on
 }
 
 TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
