@@ -6,4 +6,6 @@ set(BRIX_FUZZ_TARGETS
   base64_fuzz
   string_builder_fuzz
   error_trace_fuzz
+  property_bag_fuzz
+  envelope_fuzz
 )
