@@ -19,7 +19,6 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/keyed_compression.cpp
   persistence/keyed_compression.h
   persistence/record_row.h
-  persistence/query_definition_document.cpp
   persistence/shared_xml_document.cpp
   persistence/shared_xml_document.h
   persistence/xml_path_index.cpp

@@ -32,6 +32,7 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/operand_dates.cpp
   querybuilder/operand_dates.h
   querybuilder/parameter_expander.cpp
+  querybuilder/query_definition_document.cpp
   querybuilder/parameter_expander.h
   querybuilder/regular_definition_reader.cpp
   querybuilder/regular_definition_reader.h
