@@ -12,6 +12,7 @@
 
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/definition_rows.h"
+#include "querybuilder/load_budget.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 
@@ -121,13 +122,16 @@ void ApplyRows(T& object, const std::vector<Row<T>>& rows, const ObjectElements&
     if (!element) {
       row.set(object, initial_values[i]);
     } else if (const std::optional<std::string_view> text = PlainText(element)) {
+      LoadBudget::CheckValue(*text);
       if (row.set_text) {
         row.set_text(object, *text);
       } else {
         row.set(object, Variant(*text));
       }
     } else {
-      row.set(object, ElementValue(element));
+      const Variant value = ElementValue(element);
+      if (value.IsString()) LoadBudget::CheckValue(value.AsString());
+      row.set(object, value);
     }
   }
 }
@@ -167,6 +171,7 @@ void ReadOwner(T& owner, pugi::xml_node element, const std::vector<Row<T>>& rows
   (owner.*set_collection)(collection);
   const std::int32_t count = elements.count ? CLng(ElementValue(elements.count)) : 0;
   for (std::int32_t n = 1; n <= count; ++n) {
+    LoadBudget::TakeObjects(1);
     std::shared_ptr<Child> child = Child::Create();
     if (static_cast<std::size_t>(n) <= elements.children.size()) {
       ReadObject(*child, elements.children[n - 1]);

@@ -3,6 +3,7 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/clause_catalogue.h
   querybuilder/db_name.h
   querybuilder/indexed_collection.h
+  querybuilder/load_limits.h
   querybuilder/named_collection.h
   querybuilder/tree_walk.h
   querybuilder/xqb_condition.h
@@ -28,6 +29,8 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.cpp
   querybuilder/indexed_collection_impl.h
+  querybuilder/load_budget.cpp
+  querybuilder/load_budget.h
   querybuilder/name_index.h
   querybuilder/operand_dates.cpp
   querybuilder/operand_dates.h

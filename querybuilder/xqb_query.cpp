@@ -9,6 +9,7 @@
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/condition_describer.h"
 #include "querybuilder/full_text_renderer.h"
+#include "querybuilder/load_budget.h"
 #include "querybuilder/parameter_expander.h"
 #include "querybuilder/regular_definition_reader.h"
 #include "querybuilder/statement_builder.h"
@@ -193,6 +194,7 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
     before.reset(new xqb_Query());
     before->DefinitionMembers() = DefinitionMembers();
     kept = true;
+    const LoadBudget budget(load_limits_);
     auto bag = XMLPropBag::Create();
     bag->SetContentsForReading(XMLDef);
     if (!ReadRegularDefinition(*bag->Document(), *this)) bag->RestoreState(this);

@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "persistence/ixml_prop_bag.h"
+#include "querybuilder/load_limits.h"
 #include "querybuilder/xqb_definitions.h"
 #include "querybuilder/xqb_fields.h"
 #include "querybuilder/xqb_tables.h"
@@ -167,6 +168,9 @@ class xqb_Query : public IXMLPropBag {
   /// as 0x80042776, source "[OrlaXML_qb].[xqb_Persistence].[SaveXMLDef]", description "Couldn't
   /// save xml query definition!", CR LF and the description of the trapped error.
   std::string SaveXMLDef();
+  /// The bounds `LoadXMLDef` holds a document to (see `xqb_LoadLimits` for the defaults).
+  const xqb_LoadLimits& LoadLimits() const { return load_limits_; }
+  void SetLoadLimits(const xqb_LoadLimits& value) { load_limits_ = value; }
 
  private:
   xqb_Query();
@@ -197,6 +201,7 @@ class xqb_Query : public IXMLPropBag {
   bool groups_collapsed_ = false;
   std::shared_ptr<xqb_Tables> tables_;
   std::string tag_;
+  xqb_LoadLimits load_limits_;
 };
 
 }  // namespace brix

@@ -32,6 +32,8 @@ inline constexpr std::int32_t kErrAddParamValues = kObjectErrorBase + 10100;
 /// Chosen for the wrapped errors of LoadXMLDef and SaveXMLDef, next to AddParamValues.
 inline constexpr std::int32_t kErrLoadXMLDef = kObjectErrorBase + 10101;
 inline constexpr std::int32_t kErrSaveXMLDef = kObjectErrorBase + 10102;
+/// A definition past the bounds of a load (xqb_LoadLimits).
+inline constexpr std::int32_t kErrLoadLimit = kObjectErrorBase + 10103;
 
 // The call envelope (cMarshall).
 inline constexpr std::int32_t kErrMarshallCreate = kObjectErrorBase + 0x201;

@@ -127,3 +127,47 @@ TEST(QueryDefinitionDocument, LoadRulesAndWrappedFailures) {
 
 }  // namespace
 }  // namespace brix
+
+namespace brix {
+namespace {
+
+// A load holds a document to its bounds on both reading paths: the usual shape, and one that
+// the bag reads (a property written twice makes it irregular).
+TEST(QueryDefinitionDocument, LoadsHoldDocumentsToTheirBounds) {
+  auto source = xqb_Query::Create();
+  source->SetQueryName(std::string(100, 'n'));  // the longest value
+  auto field = source->Tables()->Add("T")->Fields()->Add("F");
+  for (int n = 1; n <= 4; ++n) field->Conditions()->Add(qbe_ClauseEqualTo, Variant(n));
+  const std::string regular = source->SaveXMLDef();
+  std::string irregular = regular;
+  irregular.insert(irregular.find("<QueryName>"), "<Tag>x</Tag>");
+  const std::string load = std::to_string(kErrLoadXMLDef) +
+                           " [OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]: Couldn't load xml query "
+                           "definition!\r\n";
+  struct Case {
+    std::int64_t max_objects, max_value_length;
+    std::string expected;
+  };
+  const std::vector<Case> cases = {
+      {6, 100, "loaded"},  // one table, one field, four conditions
+      {5, 100,
+       load + "The definition holds more than 5 objects (tables, fields and conditions); "
+              "SetLoadLimits raises the bound."},
+      {6, 99,
+       load + "A value of 100 bytes is longer than the 99 a definition may hold; "
+              "SetLoadLimits raises the bound."},
+  };
+  for (const std::string& document : {regular, irregular}) {
+    for (const Case& c : cases) {
+      auto query = xqb_Query::Create();
+      query->SetLoadLimits({c.max_objects, c.max_value_length});
+      EXPECT_EQ(
+          test_support::Outcome([&] { return query->LoadXMLDef(document), std::string("loaded"); }),
+          c.expected)
+          << c.max_objects << " " << c.max_value_length;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace brix
