@@ -9,17 +9,6 @@
 
 namespace brix {
 
-namespace {
-
-bool IsAscii(std::string_view text) {
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) >= 0x80) return false;
-  }
-  return true;
-}
-
-}  // namespace
-
 std::size_t ConditionIndex::KeyHash::operator()(const KeyView& key) const {
   auto operand_hash = [](const OperandView& operand) {
     std::size_t h = std::hash<int>()(static_cast<int>(operand.kind));

@@ -61,12 +61,12 @@ char32_t FoldCodePoint(char32_t cp) {
 // The first UTF-16 code unit of a code point: its order key among code points.
 std::uint32_t Utf16Key(char32_t cp) { return cp < 0x10000 ? cp : 0xD800 + ((cp - 0x10000) >> 10); }
 
+}  // namespace
+
 bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
-
-}  // namespace
 
 std::string_view TrimBlanks(std::string_view text) {
   std::size_t first = text.find_first_not_of(' ');

@@ -19,6 +19,9 @@ std::string FoldCase(std::string_view text);
 /// Replaces every occurrence of `what` in `text` by `with`, left to right, in one pass.
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with);
 
+/// Whether every byte of `text` is ASCII (below 0x80).
+bool IsAscii(std::string_view text);
+
 /// UTF-8 to UTF-16; invalid bytes become U+FFFD.
 std::u16string ToUtf16(std::string_view text);
 /// UTF-16 to UTF-8; unpaired surrogates become U+FFFD.

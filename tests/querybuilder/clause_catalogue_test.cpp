@@ -17,12 +17,8 @@
 namespace brix {
 namespace {
 
-using test_support::AddCondition;
-using test_support::AddField;
-using test_support::AddTable;
 using test_support::BuildQuery;
 using test_support::FieldRow;
-using test_support::Outcome;
 using V = Variant;
 
 auto K(std::int32_t clause) { return static_cast<qbe_ClauseOperator>(clause); }

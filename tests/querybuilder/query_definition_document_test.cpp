@@ -29,23 +29,41 @@ TEST(QueryDefinitionDocument, GoldenDocumentLoadsEveryPropertyAndSavesBackIdenti
   auto t = q->Tables()->Item(Variant(1));
   auto f = t->Fields()->Item(Variant("[unit price]"));
   auto c = f->Conditions()->Item(Variant("4711"));
-  // clang-format off
-  EXPECT_EQ((Texts{q->QueryName(), q->QueryDescription(), q->Tag(), q->AccessRights(), t->DBName(), t->Description(), t->Tag()}),
-            (Texts{"Facturi restante", "Facturi & clienți", "q-tag", "RW", "[Order Items]", "Pozitii", "t1"}));
-  EXPECT_EQ((Ints{q->QueryType(), q->StatementType(), q->GridLineStyle(), q->GridLines()}), (Ints{2, 3, 2, -1}));
-  EXPECT_EQ((Flags{q->DistinctRows(), q->GroupsCollapsed(), q->ShadeGroupHeadings(), q->bUseNaturalLanguage(), q->bUsePhonicSearching(), q->bUseStemming(), q->bUseWordNetSynonyms(), q->bSYN()}),
+  EXPECT_EQ((Texts{q->QueryName(), q->QueryDescription(), q->Tag(), q->AccessRights(), t->DBName(),
+                   t->Description(), t->Tag()}),
+            (Texts{"Facturi restante", "Facturi & clienți", "q-tag", "RW", "[Order Items]",
+                   "Pozitii", "t1"}));
+  EXPECT_EQ((Ints{q->QueryType(), q->StatementType(), q->GridLineStyle(), q->GridLines()}),
+            (Ints{2, 3, 2, -1}));
+  EXPECT_EQ((Flags{q->DistinctRows(), q->GroupsCollapsed(), q->ShadeGroupHeadings(),
+                   q->bUseNaturalLanguage(), q->bUsePhonicSearching(), q->bUseStemming(),
+                   q->bUseWordNetSynonyms(), q->bSYN()}),
             (Flags{true, true, true, true, false, true, false, true}));
-  EXPECT_EQ((Texts{f->DBName(), f->Alias(), f->Caption(), f->CalculatedFormula(), f->LinksWithField(), f->Script(), f->ScriptLanguage(), f->RunAt(), f->DefaultScriptProc(), f->ValueListSource(), f->AvailableClauses(), f->Tag()}),
-            (Texts{"[Unit Price]", "Pret", "Pret unitar", "Qty*Price>0", "Orders.ID", "x = 1", "VBScript", "Server", "Main", "SELECT 1", "|3|1|", "f1"}));
-  EXPECT_EQ((Ints{f->DBType(), f->ShowAsType(), f->OrderByLevel(), f->OrderByOrder(), f->GroupByLevel(), f->ControlType(), f->Latime(), f->AggregateFunction(), f->GroupLevel(), f->GroupOrder(), f->SortLevel(), f->SortOrder(), f->AppearanceOrder(), f->UIOrder()}),
-            (Ints{5, 12, 2, -1, 3, 1, 2400, 6, 4, 1, 5, -1, 6, 7}));
-  EXPECT_EQ((Flags{f->UseInStatement(), f->HasScriptAsSource(), f->ExecScriptAfterRetrieve(), f->IsEditable(), f->IsRequired(), f->IsAvailable(), f->IsVisible(), f->IsReturned(), f->IsGroupField(), f->IsSortField(), f->IsDTIndex()}),
+  EXPECT_EQ((Texts{f->DBName(), f->Alias(), f->Caption(), f->CalculatedFormula(),
+                   f->LinksWithField(), f->Script(), f->ScriptLanguage(), f->RunAt(),
+                   f->DefaultScriptProc(), f->ValueListSource(), f->AvailableClauses(), f->Tag()}),
+            (Texts{"[Unit Price]", "Pret", "Pret unitar", "Qty*Price>0", "Orders.ID", "x = 1",
+                   "VBScript", "Server", "Main", "SELECT 1", "|3|1|", "f1"}));
+  EXPECT_EQ(
+      (Ints{f->DBType(), f->ShowAsType(), f->OrderByLevel(), f->OrderByOrder(), f->GroupByLevel(),
+            f->ControlType(), f->Latime(), f->AggregateFunction(), f->GroupLevel(), f->GroupOrder(),
+            f->SortLevel(), f->SortOrder(), f->AppearanceOrder(), f->UIOrder()}),
+      (Ints{5, 12, 2, -1, 3, 1, 2400, 6, 4, 1, 5, -1, 6, 7}));
+  EXPECT_EQ((Flags{f->UseInStatement(), f->HasScriptAsSource(), f->ExecScriptAfterRetrieve(),
+                   f->IsEditable(), f->IsRequired(), f->IsAvailable(), f->IsVisible(),
+                   f->IsReturned(), f->IsGroupField(), f->IsSortField(), f->IsDTIndex()}),
             (Flags{false, true, true, true, true, false, false, true, true, true, true}));
   // Types are not restored: numbers come back as the text they were saved as.
-  EXPECT_EQ((Texts{c->ParamName(), c->Value().AsString(), c->SecondaryValue().AsString(), c->Tag()}), (Texts{"pPret", "12.5", "1E+15", "c1"}));
-  EXPECT_EQ((Ints{c->ConditionID(), c->Clause(), c->WhereClauseLogic(), c->IsEditable()}), (Ints{4711, 1, 2, false}));
-  // clang-format on
-  EXPECT_EQ(q->SaveXMLDef(), golden);
+  EXPECT_EQ(
+      (Texts{c->ParamName(), c->Value().AsString(), c->SecondaryValue().AsString(), c->Tag()}),
+      (Texts{"pPret", "12.5", "1E+15", "c1"}));
+  EXPECT_EQ((Ints{c->ConditionID(), c->Clause(), c->WhereClauseLogic(), c->IsEditable()}),
+            (Ints{4711, 1, 2, false}));
+  // Saving writes the library's own version, whatever the release that saved the golden text.
+  std::string expected = golden;
+  const std::size_t version = expected.find("<Version>") + 9;
+  expected.replace(version, expected.find("</Version>") - version, q->GetVersion());
+  EXPECT_EQ(q->SaveXMLDef(), expected);
 }
 
 TEST(QueryDefinitionDocument, AnOperandHoldingAnArrayOfVariantsCannotBeSaved) {
