@@ -24,15 +24,15 @@ struct IrregularShape {};
 
 /// How the objects of one class own those of the next: the count element and the child elements
 /// (class and name prefix; child n is named prefix + n).
-struct ChildSpec {
+struct ChildShape {
   const char* count_name;
   const char* type;
   const char* prefix;
 };
 
-constexpr ChildSpec kTables{"TablesCount", "xqb_Table", "Table"};
-constexpr ChildSpec kFields{"FieldsCount", "xqb_Field", "Field"};
-constexpr ChildSpec kConditions{"ConditionsCount", "xqb_Condition", "Condition"};
+constexpr ChildShape kTables{"TablesCount", "xqb_Table", "Table"};
+constexpr ChildShape kFields{"FieldsCount", "xqb_Field", "Field"};
+constexpr ChildShape kConditions{"ConditionsCount", "xqb_Condition", "Condition"};
 
 constexpr std::size_t kMaxRows = 48;
 
@@ -68,14 +68,14 @@ std::size_t FindRow(const std::vector<Row<T>>& rows, const char* name, std::size
 /// "PropertyBag" path that the bag's document-wide lookups would see: such documents take the
 /// bag's way (markup inside property values is caught when they are read).
 template <class T>
-void Collect(pugi::xml_node element, const std::vector<Row<T>>& rows, const ChildSpec* spec,
+void Collect(pugi::xml_node element, const std::vector<Row<T>>& rows, const ChildShape* shape,
              ObjectElements& out) {
   if (rows.size() > kMaxRows) throw IrregularShape{};
   std::size_t expected = 0;
   for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling()) {
     if (child.type() != pugi::node_element) continue;
     const char* name = child.name();
-    if (spec && std::strcmp(name, spec->type) == 0) {
+    if (shape && std::strcmp(name, shape->type) == 0) {
       out.children.push_back(child);
       continue;
     }
@@ -83,7 +83,7 @@ void Collect(pugi::xml_node element, const std::vector<Row<T>>& rows, const Chil
     if (row < rows.size()) {
       if (!out.rows[row]) out.rows[row] = child;
       expected = row + 1;
-    } else if (spec && std::strcmp(name, spec->count_name) == 0) {
+    } else if (shape && std::strcmp(name, shape->count_name) == 0) {
       if (!out.count) out.count = child;
     } else if (std::strcmp(name, "PropertyBag") == 0 || HasElementChild(child)) {
       throw IrregularShape{};
@@ -161,11 +161,11 @@ void ReadObject(xqb_Condition& condition, pugi::xml_node element);
 /// order of their numbers (a number without an element gives a child at its defaults).
 template <class T, class Collection, class Child>
 void ReadOwner(T& owner, pugi::xml_node element, const std::vector<Row<T>>& rows,
-               const ChildSpec& spec, void (T::*set_collection)(std::shared_ptr<Collection>),
+               const ChildShape& shape, void (T::*set_collection)(std::shared_ptr<Collection>),
                void (Collection::*add)(std::shared_ptr<Child>)) {
   ObjectElements elements;
-  Collect(element, rows, &spec, elements);
-  CheckNumbered(elements.children, spec.prefix);
+  Collect(element, rows, &shape, elements);
+  CheckNumbered(elements.children, shape.prefix);
   ApplyRows(owner, rows, elements);
   auto collection = Collection::Create();
   (owner.*set_collection)(collection);
