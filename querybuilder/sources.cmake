@@ -5,6 +5,7 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/indexed_collection.h
   querybuilder/load_limits.h
   querybuilder/named_collection.h
+  querybuilder/parameterized_statement.h
   querybuilder/tree_walk.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
@@ -35,9 +36,13 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/operand_dates.cpp
   querybuilder/operand_dates.h
   querybuilder/parameter_expander.cpp
+  querybuilder/parameterized_where.cpp
+  querybuilder/parameterized_where.h
   querybuilder/query_definition_document.cpp
   querybuilder/parameter_expander.h
   querybuilder/regular_definition_reader.cpp
+  querybuilder/sql_dialect.cpp
+  querybuilder/sql_dialect.h
   querybuilder/regular_definition_reader.h
   querybuilder/statement_builder.cpp
   querybuilder/statement_builder.h
@@ -45,6 +50,8 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/vocabulary_lists.h
   querybuilder/where_renderer.cpp
   querybuilder/where_renderer.h
+  querybuilder/where_walk.cpp
+  querybuilder/where_walk.h
   querybuilder/xqb_condition.cpp
   querybuilder/xqb_conditions.cpp
   querybuilder/xqb_field.cpp

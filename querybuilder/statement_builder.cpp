@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "querybuilder/parameterized_where.h"
+#include "querybuilder/sql_dialect.h"
 #include "querybuilder/tree_walk.h"
 #include "querybuilder/where_renderer.h"
 #include "querybuilder/xqb_query.h"
@@ -70,12 +72,8 @@ std::int64_t FieldCount(const xqb_Query& query) {
 
 std::string Bracketed(std::string_view name) { return "[" + std::string(name) + "]"; }
 
-std::string SelectItem(const xqb_Table& table, const xqb_Field& field, bool simple_fields) {
-  if (!field.CalculatedFormula().empty()) {
-    return field.CalculatedFormula() + " AS " + field.DBName();
-  }
-  if (simple_fields) return field.DBName();
-  return Bracketed(table.DBName()) + "." + field.DBName() + " AS " + field.Alias();
+std::string QuotedField(const xqb_Table& table, const xqb_Field& field) {
+  return QuotedName(table.DBName()) + "." + QuotedName(field.DBName());
 }
 
 std::string_view SortSuffix(qbe_SortType order) {
@@ -90,6 +88,58 @@ std::string_view SortSuffix(qbe_SortType order) {
 }
 
 }  // namespace
+
+const StatementNames StatementBuilder::kCompatible;
+
+std::string StatementNames::Table(const xqb_Table& table) const {
+  return Bracketed(table.DBName());
+}
+
+std::string StatementNames::SelectItem(const xqb_Table& table, const xqb_Field& field,
+                                       bool simple_fields) const {
+  if (!field.CalculatedFormula().empty()) {
+    return field.CalculatedFormula() + " AS " + field.DBName();
+  }
+  if (simple_fields) return field.DBName();
+  return Bracketed(table.DBName()) + "." + field.DBName() + " AS " + field.Alias();
+}
+
+std::string StatementNames::SortItem(const xqb_Table& table, const xqb_Field& field) const {
+  return table.DBName() + "." + field.DBName();
+}
+
+std::string StatementNames::GroupItem(const xqb_Table& table, const xqb_Field& field) const {
+  return Bracketed(table.DBName()) + "." + field.DBName();
+}
+
+std::string QuotedStatementNames::Table(const xqb_Table& table) const {
+  return QuotedName(table.DBName());
+}
+
+std::string QuotedStatementNames::SelectItem(const xqb_Table& table, const xqb_Field& field,
+                                             bool simple_fields) const {
+  if (!field.CalculatedFormula().empty()) {
+    if (refuse_host_sql_) {
+      Raise(kErrHostSqlRefused, std::string(kParameterizedSource),
+            "The calculated field " + field.DBName() + " is SQL written by the host (\"" +
+                field.CalculatedFormula() + "\"), and the options refuse host SQL.");
+    }
+    return field.CalculatedFormula() + " AS " + QuotedName(field.DBName());
+  }
+  if (simple_fields) return QuotedName(field.DBName());
+  std::string item = QuotedField(table, field);
+  if (!field.Alias().empty()) item.append(" AS ").append(QuotedAlias(field.Alias()));
+  return item;
+}
+
+std::string QuotedStatementNames::SortItem(const xqb_Table& table, const xqb_Field& field) const {
+  return QuotedField(table, field);
+}
+
+std::string QuotedStatementNames::GroupItem(const xqb_Table& table,
+                                            const xqb_Field& field) const {
+  return QuotedField(table, field);
+}
 
 std::string StatementBuilder::ReturnSQL(std::int32_t top_records) const {
   if (query_.Tables()->Count() == 0) return "";
@@ -108,10 +158,31 @@ std::string StatementBuilder::ReturnSQL(std::int32_t top_records) const {
   return sql;
 }
 
+ParameterizedStatement StatementBuilder::ReturnParameterizedSQL(
+    const StatementOptions& options) const {
+  if (options.top_records < 0) RaiseRuntimeError(kErrInvalidProcedureCall);
+  if (query_.Tables()->Count() == 0) return {};
+  QuotedStatementNames names(options.refuse_host_sql);
+  StatementBuilder quoted(query_, names);
+  ParameterizedStatement where = ReturnParameterizedWHERE(query_, options, false, nullptr, true);
+  std::string order_by = quoted.ReturnOrderByFields();
+  std::string group_by = quoted.ReturnGroupByFields();
+  ParameterizedStatement statement;
+  std::string& sql = statement.text;
+  sql = query_.DistinctRows() ? "SELECT DISTINCT " : "SELECT ";
+  sql.append(quoted.ReturnAllFields(false)).append(" FROM ").append(quoted.ReturnTables());
+  if (!where.text.empty()) sql.append(" WHERE ").append(where.text);
+  if (!group_by.empty()) sql.append(" GROUP BY ").append(group_by);
+  if (!order_by.empty()) sql.append(" ORDER BY ").append(order_by);
+  if (options.top_records != 0) sql.append(" LIMIT ").append(std::to_string(options.top_records));
+  statement.parameters = std::move(where.parameters);
+  return statement;
+}
+
 std::string StatementBuilder::ReturnTables() const {
   std::string list;
   std::shared_ptr<xqb_Tables> tables = query_.Tables();
-  for (const auto& table : *tables) list.append(Bracketed(table->DBName())).append(kSeparator);
+  for (const auto& table : *tables) list.append(names_.Table(*table)).append(kSeparator);
   CutSeparator(list);
   return list;
 }
@@ -122,7 +193,7 @@ std::string StatementBuilder::ReturnAllFields(bool simple_fields) const {
   SlotList list(count, 1);
   ForEachField(query_, [&](const xqb_Table& table, const xqb_Field& field) {
     if (!field.UseInStatement()) return;
-    std::string item = SelectItem(table, field, simple_fields);
+    std::string item = names_.SelectItem(table, field, simple_fields);
     if (field.AppearanceOrder() == 0) {
       list.AddToTail(item);
     } else {
@@ -137,7 +208,7 @@ std::string StatementBuilder::ReturnOrderByFields() const {
   ForEachField(query_, [&](const xqb_Table& table, const xqb_Field& field) {
     std::string_view suffix = SortSuffix(field.OrderByOrder());
     if (suffix.empty()) return;
-    list.Place(table.DBName() + "." + field.DBName() + std::string(suffix), field.OrderByLevel());
+    list.Place(names_.SortItem(table, field) + std::string(suffix), field.OrderByLevel());
   });
   return list.Join();
 }
@@ -148,7 +219,7 @@ std::string StatementBuilder::ReturnGroupByFields() const {
   SlotList list(count, 1);
   ForEachField(query_, [&](const xqb_Table& table, const xqb_Field& field) {
     if (field.GroupByLevel() == 0) return;
-    list.Place(Bracketed(table.DBName()) + "." + field.DBName(), field.GroupByLevel());
+    list.Place(names_.GroupItem(table, field), field.GroupByLevel());
   });
   return list.Join();
 }

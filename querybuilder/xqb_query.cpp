@@ -11,6 +11,7 @@
 #include "querybuilder/full_text_renderer.h"
 #include "querybuilder/load_budget.h"
 #include "querybuilder/parameter_expander.h"
+#include "querybuilder/parameterized_where.h"
 #include "querybuilder/regular_definition_reader.h"
 #include "querybuilder/statement_builder.h"
 #include "querybuilder/tree_walk.h"
@@ -113,6 +114,18 @@ std::string xqb_Query::ReturnOrderByFields() const {
 
 std::string xqb_Query::ReturnSQL(std::int32_t top_records) const {
   return StatementBuilder(*this).ReturnSQL(top_records);
+}
+
+ParameterizedStatement xqb_Query::ReturnParameterizedSQL(const StatementOptions& options) const {
+  return StatementBuilder(*this).ReturnParameterizedSQL(options);
+}
+
+ParameterizedStatement xqb_Query::ReturnParameterizedWHERE(const StatementOptions& options,
+                                                           bool simple_fields,
+                                                           std::shared_ptr<xqb_Table> tabela,
+                                                           bool with_join_conditions) const {
+  return brix::ReturnParameterizedWHERE(*this, options, simple_fields, std::move(tabela),
+                                        with_join_conditions);
 }
 
 std::string xqb_Query::ReturnWHEREConditions(bool simple_fields, std::shared_ptr<xqb_Table> tabela,

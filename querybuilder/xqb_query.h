@@ -9,6 +9,7 @@
 
 #include "persistence/ixml_prop_bag.h"
 #include "querybuilder/load_limits.h"
+#include "querybuilder/parameterized_statement.h"
 #include "querybuilder/xqb_definitions.h"
 #include "querybuilder/xqb_fields.h"
 #include "querybuilder/xqb_tables.h"
@@ -131,6 +132,17 @@ class xqb_Query : public IXMLPropBag {
 
   /// The sum of the condition counts of all fields of all tables.
   std::int32_t ReturnConditionsCount();
+
+  /// The statement of `ReturnSQL` for a real engine: names quoted the dialect's way, every
+  /// operand a placeholder bound to a typed value, dates as ISO dates, IN lists read item by
+  /// item, the row limit `options.top_records`. The compatible text is not changed by it. See
+  /// parameterized_where.h for the filter and statement_builder.h for the lists.
+  ParameterizedStatement ReturnParameterizedSQL(const StatementOptions& options = {}) const;
+  /// The filter of `ReturnWHEREConditions` the same way, with the same arguments.
+  ParameterizedStatement ReturnParameterizedWHERE(const StatementOptions& options = {},
+                                                  bool simple_fields = true,
+                                                  std::shared_ptr<xqb_Table> tabela = nullptr,
+                                                  bool with_join_conditions = false) const;
 
   /// The dtSearch request of the first table's indexed fields (see full_text_renderer.h).
   std::string ReturnDTConditions(std::int16_t use_near_operator_value = 33) const;

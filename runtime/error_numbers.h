@@ -34,6 +34,11 @@ inline constexpr std::int32_t kErrLoadXMLDef = kObjectErrorBase + 10101;
 inline constexpr std::int32_t kErrSaveXMLDef = kObjectErrorBase + 10102;
 /// A definition past the bounds of a load (xqb_LoadLimits).
 inline constexpr std::int32_t kErrLoadLimit = kObjectErrorBase + 10103;
+/// Parameterized statements: an IN list that does not read, host-written SQL refused by the
+/// options, a stored name with an empty part.
+inline constexpr std::int32_t kErrInListSyntax = kObjectErrorBase + 10104;
+inline constexpr std::int32_t kErrHostSqlRefused = kObjectErrorBase + 10105;
+inline constexpr std::int32_t kErrUnquotableName = kObjectErrorBase + 10106;
 
 // The call envelope (cMarshall).
 inline constexpr std::int32_t kErrMarshallCreate = kObjectErrorBase + 0x201;
