@@ -16,5 +16,8 @@ inline constexpr std::int32_t kErrNoSuchTable = 5;
 /// SQLite failures: this base plus SQLite's primary result code (20001 for SQL that does not
 /// compile, 20014 for a database that cannot be opened).
 inline constexpr std::int32_t kErrSqliteBase = 20000;
+/// PostgreSQL failures: a server that cannot be reached, a statement it refuses (the message
+/// carries the server's SQLSTATE), a value it cannot take.
+inline constexpr std::int32_t kErrPostgres = 21000;
 
 }  // namespace brix::brixq

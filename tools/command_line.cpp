@@ -24,7 +24,8 @@ Loads the query definition document FILE ("-" reads standard input) and prints:
   describe   one line per condition: its ConditionID, TAB, its Romanian description
   clauses    one line per field: table, TAB, field, TAB, its available clause numbers
   save       the definition saved again (SaveXMLDef)
-  run        the rows the statement selects from an SQLite database, as a table
+  run        the rows the parameterized statement selects from SQLite (or PostgreSQL), as a
+             table
 
 Reads standard input and prints, with nothing added:
   b64 encode  its Base64 text (EncodeB64); with --span N in lines of N characters
@@ -37,11 +38,17 @@ error, return value and parameters with their types:
 
 Options:
   --top N             sql, run: at most N rows (LIMIT N); 0, the default, means all
+  --dialect NAME      sql, where: the parameterized statement for sqlite or postgresql: names
+                      quoted, every value a placeholder, printed with its parameters
+  --json              sql, where: the parameterized statement and its parameters as one JSON
+                      object (sqlite unless --dialect says otherwise)
+  --refuse-host-sql   sql, where, run: refuse calculated fields and join links written in SQL
   --qualified         where: write fields as [table].field
   --joins             where: write the equalities that link the tables first
   --table NAME        where: only the conditions of the table NAME
   --near N            dt: word distance of the proximity operator (default 33)
   --db PATH           run: the SQLite database (default: the bundled sample database)
+  --postgres CONNINFO run: run on PostgreSQL instead ("host=/tmp dbname=shop", postgresql://...)
   --date DATE         any command: fix the clock at DATE (YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS)
   --param NAME=V1,... any command, repeatable: add the values V1,... to parameter NAME
 
@@ -93,7 +100,15 @@ constexpr std::int32_t kLongMax = std::numeric_limits<std::int32_t>::max();
 constexpr std::int16_t kIntegerMin = std::numeric_limits<std::int16_t>::min();
 constexpr std::int16_t kIntegerMax = std::numeric_limits<std::int16_t>::max();
 
-const std::array<OptionRule, 8> kOptionRules = {{
+SqlDialect ParseDialect(std::string_view text) {
+  if (text == "sqlite") return SqlDialect::kSQLite;
+  if (text == "postgresql") return SqlDialect::kPostgreSQL;
+  throw UsageError("--dialect needs sqlite or postgresql, not \"" + std::string(text) + "\"");
+}
+
+const unsigned kStatementCommands = Bit(Command::kSql) | Bit(Command::kWhere);
+
+const std::array<OptionRule, 12> kOptionRules = {{
     {"top", true, Bit(Command::kSql) | Bit(Command::kRun),
      [](Options& o, std::string_view v) {
        o.top = ParseInteger<std::int32_t>("top", v, 0, kLongMax);
@@ -108,6 +123,13 @@ const std::array<OptionRule, 8> kOptionRules = {{
        o.near = ParseInteger<std::int16_t>("near", v, kIntegerMin, kIntegerMax);
      }},
     {"db", true, Bit(Command::kRun), [](Options& o, std::string_view v) { o.db = std::string(v); }},
+    {"postgres", true, Bit(Command::kRun),
+     [](Options& o, std::string_view v) { o.postgres = std::string(v); }},
+    {"dialect", true, kStatementCommands,
+     [](Options& o, std::string_view v) { o.dialect = ParseDialect(v); }},
+    {"json", false, kStatementCommands, [](Options& o, std::string_view) { o.json = true; }},
+    {"refuse-host-sql", false, kStatementCommands | Bit(Command::kRun),
+     [](Options& o, std::string_view) { o.refuse_host_sql = true; }},
     {"date", true, kEveryCommand,
      [](Options& o, std::string_view v) {
        o.date = ParseDateTime(v);
@@ -223,6 +245,7 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
     }
     rule.apply(options, value.value_or(""));
   }
+  if (options.db && options.postgres) throw UsageError("--db and --postgres exclude each other");
   if (files.empty()) throw UsageError("missing FILE");
   if (files.size() > 1) throw UsageError("more than one FILE: \"" + std::string(files[1]) + "\"");
   options.file = std::string(files[0]);

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "querybuilder/parameterized_statement.h"
+
 namespace brix::brixq {
 
 enum class Command { kSql, kWhere, kDt, kDescribe, kClauses, kSave, kRun };
@@ -31,6 +33,10 @@ struct Options {
   std::optional<std::string> table;  ///< where: the key of the table passed as Tabela.
   std::int16_t near = 33;            ///< dt: use_near_operator_value.
   std::optional<std::string> db;     ///< run: the SQLite database; the sample one by default.
+  std::optional<std::string> postgres;  ///< run: libpq connection string; runs on PostgreSQL.
+  std::optional<SqlDialect> dialect;    ///< sql, where: the parameterized statement instead.
+  bool json = false;             ///< sql, where: the parameterized statement as JSON.
+  bool refuse_host_sql = false;  ///< sql, where, run: refuse calculated fields and SQL links.
   std::optional<double> date;        ///< Any command: the library clock's fixed moment.
   std::vector<ParamValues> params;   ///< Any command: AddParamValues calls, in order.
 };

@@ -12,7 +12,10 @@
 #include "runtime/variant.h"
 #include "tools/brixq_errors.h"
 #include "tools/file_access.h"
+#include "tools/postgres_runner.h"
 #include "tools/result_table.h"
+#include "tools/sqlite_runner.h"
+#include "tools/statement_json.h"
 
 namespace brix::brixq {
 namespace {
@@ -69,11 +72,54 @@ Variant ParamArray(const std::vector<std::string>& values) {
   return Variant(std::move(array));
 }
 
+StatementOptions StatementOptionsOf(const Options& options, SqlDialect dialect) {
+  StatementOptions statement;
+  statement.dialect = dialect;
+  statement.top_records = options.top;
+  statement.refuse_host_sql = options.refuse_host_sql;
+  return statement;
+}
+
+// The statement text, then one line per parameter: "?n type value" (or "$n ..."), or the JSON.
+std::string StatementText(const Options& options, const ParameterizedStatement& statement) {
+  SqlDialect dialect = options.dialect.value_or(SqlDialect::kSQLite);
+  if (options.json) return StatementJson(statement, dialect);
+  std::string text = statement.text;
+  for (std::size_t i = 0; i < statement.parameters.size(); ++i) {
+    const SqlParameter& parameter = statement.parameters[i];
+    text += "\n" + Placeholder(dialect, i + 1) + " " + SqlTypeName(parameter.type) + " " +
+            CellText(parameter.text);
+  }
+  return text;
+}
+
+std::string Parameterized(const Options& options, const xqb_Query& query) {
+  StatementOptions statement = StatementOptionsOf(options, options.dialect.value_or(SqlDialect::kSQLite));
+  if (options.command == Command::kSql) {
+    return StatementText(options, query.ReturnParameterizedSQL(statement));
+  }
+  return StatementText(options, query.ReturnParameterizedWHERE(
+                                    statement, !options.qualified,
+                                    TableByKey(query, options.table), options.joins));
+}
+
+ResultTable Run(const Options& options, const xqb_Query& query) {
+  if (options.postgres) {
+    return RunOnPostgres(*options.postgres, query.ReturnParameterizedSQL(StatementOptionsOf(
+                                                options, SqlDialect::kPostgreSQL)));
+  }
+  return RunOnSqlite(options.db ? *options.db : DefaultDatabasePath(),
+                     query.ReturnParameterizedSQL(StatementOptionsOf(options, SqlDialect::kSQLite)));
+}
+
 std::string CommandText(const Options& options, const xqb_Query& query) {
+  bool parameterized = options.dialect || options.json;
   switch (options.command) {
     case Command::kSql:
+      if (parameterized) return Parameterized(options, query);
       return query.ReturnSQL(options.top);
     case Command::kWhere:
+      if (parameterized) return Parameterized(options, query);
       return query.ReturnWHEREConditions(!options.qualified, TableByKey(query, options.table),
                                          options.joins);
     case Command::kDt:
@@ -83,8 +129,7 @@ std::string CommandText(const Options& options, const xqb_Query& query) {
     case Command::kClauses:
       return Clauses(query);
     case Command::kRun:
-      return FormatTable(RunStatement(options.db ? *options.db : DefaultDatabasePath(),
-                                      query.ReturnSQL(options.top)));
+      return FormatTable(Run(options, query));
     case Command::kSave:
       break;
   }

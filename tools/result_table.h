@@ -1,4 +1,4 @@
-// The `run` command's result: the rows a statement selects from SQLite, printed as a text table.
+// The `run` command's result: the rows a statement selects, printed as a text table.
 #pragma once
 
 #include <string>
@@ -13,10 +13,9 @@ struct ResultTable {
   std::vector<std::vector<std::string>> rows;
 };
 
-/// Runs the one statement `sql` on the database at `database_path`, opened read-only. Raises
-/// `kErrSqliteBase` + SQLite's result code when the database does not open or the statement
-/// does not compile or run, and `kErrSqliteBase` + 1 for an empty text or more than one statement.
-ResultTable RunStatement(const std::string& database_path, const std::string& sql);
+/// A value's text as a cell: line breaks and tabs, which would break the alignment, become
+/// blanks.
+std::string CellText(std::string value);
 
 /// A header line, a rule of dashes and one line per row, the columns two blanks apart and padded
 /// to their widest text in characters (numeric columns aligned right), no blanks at line ends;

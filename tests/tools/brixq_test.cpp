@@ -49,21 +49,26 @@ const std::string kParams = BRIX_EXAMPLES_DIR "/parameter_query.xml";
 // The qualified filter with the joins, as `where --qualified --joins` prints it.
 const std::string kOrdersWhere =
     " (Customers.ID = Orders.CustomerID) AND ([Customers].City IN ('Cluj', 'Iasi')) AND "
-    "([Orders].[Order Day] BETWEEN 45352 AND 45382) AND ([Orders].Quantity >= 2) AND "
+    "([Orders].[Order Day] BETWEEN #45352# AND #45382#) AND ([Orders].Quantity >= 2) AND "
     "([Orders].Status = 'livrata' OR [Orders].Status LIKE 'in %')";
 const std::string kOrdersSelect =
-    "SELECT [Orders].[Order No] AS Comanda, date([Orders].[Order Day] + 2415018.5) AS [Order Date]"
-    ", [Customers].Name AS Client, [Customers].City AS Oras, [Orders].Quantity AS Cantitate, "
-    "[Orders].[Unit Price] AS Pret, [Orders].Quantity * [Orders].[Unit Price] AS Total, "
+    "SELECT [Orders].[Order No] AS Comanda, [Orders].[Order Day] AS Data, "
+    "[Customers].Name AS Client, [Customers].City AS Oras, [Orders].Quantity AS Cantitate, "
+    "[Orders].[Unit Price] AS Pret, \"Orders\".\"Quantity\" * \"Orders\".\"Unit Price\" AS Total, "
     "[Orders].Status AS Stare FROM [Customers], [Orders] WHERE " +
     kOrdersWhere + " ORDER BY Orders.[Order Day] DESC, Orders.[Order No] ASC";
 const std::string kLegalRequest =
     "((Titlu contains (codul muncii))) AND ((Emitent contains (Parlamentul)) OR (Emitent contains "
-    "(Guvernul))) AND ((Numar contains (1~~100))) AND ((Data_emiterii contains (200101~~202412))) "
+    "(Guvernul))) AND ((Numar contains (1~~100))) AND ((Data_emiterii contains (01-Jan-2001~~31-Dec-2024))) "
     "AND ((contract* AND munca*) AND (concediu w/33 odihna))";
 const std::string kLegalFilter =
     "(Emitent = 'Parlamentul' OR Emitent = 'Guvernul') AND (Numar BETWEEN 1 AND 100) AND "
-    "(Data_emiterii BETWEEN 36892 AND 45657) AND (Data_publicarii BETWEEN ";
+    "(Data_emiterii BETWEEN #36892# AND #45657#) AND (Data_publicarii BETWEEN ";
+// The parameterized filter of the orders on PostgreSQL, one line per parameter.
+const std::string kOrdersPostgresWhere =
+    "(\"City\" IN ($1, $2)) AND (\"Order Day\" BETWEEN $3 AND $4) AND (\"Quantity\" >= $5) AND "
+    "(\"Status\" = $6 OR \"Status\" ILIKE $7 ESCAPE '\\')\n$1 text Cluj\n$2 text Iasi\n"
+    "$3 date 2024-03-01\n$4 date 2024-03-31\n$5 integer 2\n$6 text livrata\n$7 text in %\n";
 const std::string kTopRange = "--top needs a whole number from 0 to 2147483647, not ";
 const std::string kDateForm = "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not ";
 
@@ -128,8 +133,22 @@ TEST(Brixq, PrintsWhatTheLibraryMakesOfTheSamples) {
       {{"where", "--param", "Oras=Cluj,,Iasi", kParams}, 0, "(City = 'Cluj' OR City = 'Iasi')\n"},
       {{"where", "--param", "Oras=Cluj", "--param", "Oras=Iasi", "--param", "Other=x", kParams}, 0,
        "(City = 'Cluj' OR City = 'Iasi')\n"},
+      {{"where", "--dialect", "postgresql", kOrders}, 0, kOrdersPostgresWhere},
+      {{"where", "--json", "--table", "Customers", kOrders}, 0,
+       "{\n  \"dialect\": \"sqlite\",\n  \"sql\": \"(\\\"City\\\" IN (?1, ?2))\",\n  \"parameters\": [\n"
+       "    {\"type\": \"text\", \"value\": \"Cluj\"},\n    {\"type\": \"text\", \"value\": \"Iasi\"}\n  ]\n}\n"},
+      {{"sql", "--json", "--dialect=postgresql", kParams}, 0,
+       "{\n  \"dialect\": \"postgresql\",\n  \"sql\": \"SELECT \\\"Customers\\\".\\\"ID\\\" AS \\\"ID\\\", "
+       "\\\"Customers\\\".\\\"Name\\\" AS \\\"Client\\\", \\\"Customers\\\".\\\"City\\\" AS \\\"Oras\\\" FROM "
+       "\\\"Customers\\\" ORDER BY \\\"Customers\\\".\\\"ID\\\" ASC\",\n  \"parameters\": []\n}\n"},
+      // Dates run as dates: the acts published in the two years up to Today.
+      {{"run", "--date", "2024-03-15", kLegal}, 0,
+       "Titlu                                                Emitent      Numar  Data_emiterii  Data_publicarii\n"
+       "---------------------------------------------------  -----------  -----  -------------  ---------------\n"
+       "Legea nr. 88/2023 pentru modificarea Codului muncii  Parlamentul     88  2023-03-30     2023-04-03\n"
+       "(1 row)\n"},
       {{"run", kOrders}, 0,
-       "Comanda  Order Date  Client          Oras  Cantitate  Pret  Total  Stare\n"
+       "Comanda  Data        Client          Oras  Cantitate  Pret  Total  Stare\n"
        "-------  ----------  --------------  ----  ---------  ----  -----  ------------\n"
        "   1007  2024-03-28  Florin Stan     Iasi          2  22.0   44.0  in asteptare\n"
        "   1008  2024-03-28  Dan O'Neill     Cluj          6  8.75   52.5  livrata\n"
@@ -321,8 +340,16 @@ TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
        "--table: the definition has no table \"Invoices\" (error 5)"},
       {{"run", "--db", "/no/such.db", kOrders}, 1, "",
        "cannot open the database /no/such.db: unable to open database file (error 20014)"},
-      // Access-style date literals do not compile on SQLite.
-      {{"run", kLegal}, 1, "", "SQLite cannot run the statement: unrecognized token: \"#\" (error 20001)"},
+      {{"run", "--refuse-host-sql", kOrders}, 1, "",
+       "The calculated field Total is SQL written by the host (\"\"Orders\".\"Quantity\" * \"Orders\".\"Unit Price\"\"), "
+       "and the options refuse host SQL. (error -2147211399)"},
+      {{"run", "--postgres", "host=/no/such/folder", kOrders}, 1, "",
+       "PostgreSQL: cannot connect with \"host=/no/such/folder\": connection to server on socket "
+       "\"/no/such/folder/.s.PGSQL.5432\" failed: No such file or directory Is the server running "
+       "locally and accepting connections on that socket? (error 21000)"},
+      {{"sql", "--dialect", "mysql", kOrders}, 2, "", "--dialect needs sqlite or postgresql, not \"mysql\""},
+      {{"run", "--db", "x.db", "--postgres", "y", kOrders}, 2, "", "--db and --postgres exclude each other"},
+      {{"dt", "--json", kOrders},            2, "", "the command dt takes no option --json"},
       {{"run", "-"},    1, "", "there is no statement to run (no tables) (error 20001)", "<PropertyBag/>"},
       // A load failure of the library comes on one line, the parser's reason after its text.
       {{"sql", "-"},    1, "", "Couldn't load xml query definition! Start-end tags mismatch at line 1, column 498. (error -2147211403)", ReadFile(kOrders).substr(0, 500)},
