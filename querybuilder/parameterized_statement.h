@@ -49,6 +49,9 @@ struct StatementOptions {
 /// "text", "integer", "real", "boolean", "date", "datetime" or "time".
 const char* SqlTypeName(SqlType type);
 
+/// The placeholder of parameter `number` (from 1): "?n" for SQLite, "$n" for PostgreSQL.
+std::string Placeholder(SqlDialect dialect, std::size_t number);
+
 /// "sqlite" or "postgresql".
 const char* SqlDialectName(SqlDialect dialect);
 

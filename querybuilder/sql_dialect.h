@@ -33,9 +33,6 @@ std::string QuotedAlias(std::string_view alias);
 /// the host wrote.
 bool ReadsAsName(std::string_view text);
 
-/// "?n" for SQLite, "$n" for PostgreSQL (n from 1).
-std::string Placeholder(SqlDialect dialect, std::size_t number);
-
 /// " LIKE " / " NOT LIKE " for SQLite, " ILIKE " / " NOT ILIKE " for PostgreSQL.
 std::string_view LikeOperator(SqlDialect dialect, bool negated);
 
