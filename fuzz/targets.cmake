@@ -8,4 +8,5 @@ set(BRIX_FUZZ_TARGETS
   error_trace_fuzz
   property_bag_fuzz
   envelope_fuzz
+  parameterized_statement_fuzz
 )
