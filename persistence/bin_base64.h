@@ -8,6 +8,9 @@
 
 namespace brix {
 
+/// The namespace whose "dt" attribute gives an element's data type ("bin.base64").
+inline constexpr const char* kDatatypesNamespace = "urn:schemas-microsoft-com:datatypes";
+
 /// Base64 with the standard alphabet and "=" padding, broken into lines of 72 characters by a
 /// LF (no LF after the last line), as the DOM lays out its typed values.
 std::string EncodeBinBase64(const ByteArray& bytes);

@@ -16,7 +16,6 @@
 namespace brix {
 namespace {
 
-constexpr const char* kDatatypesNamespace = "urn:schemas-microsoft-com:datatypes";
 
 /// How a value is written, decided in this order: Empty, Null, objects, error values, numbers,
 /// dates, text, byte arrays.

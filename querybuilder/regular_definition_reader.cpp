@@ -1,235 +1,525 @@
-// Reads a definition document of the usual shape straight from its DOM: each object element is
-// visited once, its property elements matched to the saved rows in one pass, and plain numbers
-// and Booleans set without building variants.
+// Reads a definition document of the usual shape straight from its text: one pass over the
+// characters builds the objects, each property matched to its saved row as it comes. Anything
+// the pass does not know for certain to read as the DOM reads it ends the pass, and the caller
+// reads the document the general way.
 #include "querybuilder/regular_definition_reader.h"
 
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
-#include "persistence/xml_prop_bag.h"
+#include "persistence/bin_base64.h"
+#include "persistence/xml_text_decoder.h"
 #include "querybuilder/definition_rows.h"
 #include "querybuilder/load_budget.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
+#include "runtime/text.h"
 
 namespace brix {
 namespace {
 
-/// Raised inside the reader when the document leaves the usual shape.
+/// Raised inside the reader when the text leaves the shape it reads.
 struct IrregularShape {};
+
+[[noreturn]] void Irregular() { throw IrregularShape{}; }
+
+constexpr bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+constexpr bool IsNameStart(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':';
+}
+constexpr bool IsNameChar(char c) {
+  return IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
 
 /// How the objects of one class own those of the next: the count element and the child elements
 /// (class and name prefix; child n is named prefix + n).
 struct ChildShape {
-  const char* count_name;
-  const char* type;
-  const char* prefix;
+  std::string_view count_name;
+  std::string_view type;
+  std::string_view prefix;
 };
 
 constexpr ChildShape kTables{"TablesCount", "xqb_Table", "Table"};
 constexpr ChildShape kFields{"FieldsCount", "xqb_Field", "Field"};
 constexpr ChildShape kConditions{"ConditionsCount", "xqb_Condition", "Condition"};
 
-constexpr std::size_t kMaxRows = 48;
-
-/// The elements under one object element: per row the first element of its name, the count
-/// element, and the elements of the child class in document order.
-struct ObjectElements {
-  std::array<pugi::xml_node, kMaxRows> rows{};
-  pugi::xml_node count;
-  std::vector<pugi::xml_node> children;
+/// An attribute as it stands in the text.
+struct Attribute {
+  std::string_view name;
+  std::string_view value;
+  bool operator==(const Attribute&) const = default;
 };
 
-bool Named(pugi::xml_node node, const char* name) { return std::strcmp(node.name(), name) == 0; }
+/// A start tag: its name, its first two attributes, and whether it closes itself.
+struct StartTag {
+  std::string_view name;
+  std::array<Attribute, 2> attributes{};
+  std::size_t attribute_count = 0;
+  bool closed = false;
 
-bool HasElementChild(pugi::xml_node node) {
-  for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling()) {
-    if (child.type() == pugi::node_element) return true;
+  /// The attribute when it is the only one; an empty one when there is none.
+  const Attribute& OnlyAttribute() const {
+    if (attribute_count > 1) Irregular();
+    return attributes[0];
   }
-  return false;
-}
+};
 
-/// The row named `name`: the one after the last match first, since a saved object writes its
-/// rows in order; rows.size() when none is.
-template <class T>
-std::size_t FindRow(const std::vector<Row<T>>& rows, const char* name, std::size_t expected) {
-  if (expected < rows.size() && std::strcmp(rows[expected].name, name) == 0) return expected;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (std::strcmp(rows[i].name, name) == 0) return i;
-  }
-  return rows.size();
-}
+/// The attributes the bag writes on a byte array's element.
+constexpr std::array<Attribute, 2> kBinBase64Attributes{Attribute{"xmlns:dt", kDatatypesNamespace},
+                                                        Attribute{"dt:dt", "bin.base64"}};
 
-/// Sorts the child elements of `element`. An unknown element with content could hold another
-/// "PropertyBag" path that the bag's document-wide lookups would see: such documents take the
-/// bag's way (markup inside property values is caught when they are read).
-template <class T>
-void Collect(pugi::xml_node element, const std::vector<Row<T>>& rows, const ChildShape* shape,
-             ObjectElements& out) {
-  if (rows.size() > kMaxRows) throw IrregularShape{};
-  std::size_t expected = 0;
-  for (pugi::xml_node child = element.first_child(); child; child = child.next_sibling()) {
-    if (child.type() != pugi::node_element) continue;
-    const char* name = child.name();
-    if (shape && std::strcmp(name, shape->type) == 0) {
-      out.children.push_back(child);
-      continue;
-    }
-    const std::size_t row = FindRow(rows, name, expected);
-    if (row < rows.size()) {
-      if (!out.rows[row]) out.rows[row] = child;
-      expected = row + 1;
-    } else if (shape && std::strcmp(name, shape->count_name) == 0) {
-      if (!out.count) out.count = child;
-    } else if (std::strcmp(name, "PropertyBag") == 0 || HasElementChild(child)) {
-      throw IrregularShape{};
+/// A property's value as the bag reads it: a text (marked or not), or a marker.
+struct PropertyValue {
+  enum Kind { kText, kMarkedText, kBytes, kEmpty, kNull, kNothing } kind = kText;
+  std::string_view text;
+
+  Variant AsVariant() const {
+    switch (kind) {
+      case kEmpty:
+        return Variant();
+      case kNull:
+        return Variant::Null();
+      case kNothing:
+        return Variant::Nothing();
+      case kBytes:
+        return Variant(DecodeBinBase64(text));
+      default:
+        return Variant(text);
     }
   }
-}
+};
 
-/// The value of a property element as the bag reads it. Markup inside it could hold another
-/// "PropertyBag" path, so such a document takes the bag's way.
-Variant ElementValue(pugi::xml_node element) {
-  if (HasElementChild(element)) throw IrregularShape{};
-  return XMLPropBag::ElementValue(element);
-}
-
-/// The text of an element without attributes and with at most one text child, as the bag reads
-/// it; nothing for any other element.
-std::optional<std::string_view> PlainText(pugi::xml_node element) {
-  if (element.first_attribute()) return std::nullopt;
-  const pugi::xml_node first = element.first_child();
-  if (!first) return std::string_view(element.value());  // empty, or text kept in the element
-  if (*element.value()) return std::nullopt;
-  const pugi::xml_node_type type = first.type();
-  if ((type != pugi::node_pcdata && type != pugi::node_cdata) || first.next_sibling()) {
-    return std::nullopt;
+/// Appends the UTF-8 form of `code_point` to `out`.
+void AppendUtf8(std::uint32_t code_point, std::string& out) {
+  if (code_point < 0x80) {
+    out += static_cast<char>(code_point);
+  } else if (code_point < 0x800) {
+    out += static_cast<char>(0xC0 | (code_point >> 6));
+    out += static_cast<char>(0x80 | (code_point & 0x3F));
+  } else if (code_point < 0x10000) {
+    out += static_cast<char>(0xE0 | (code_point >> 12));
+    out += static_cast<char>(0x80 | ((code_point >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (code_point & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (code_point >> 18));
+    out += static_cast<char>(0x80 | ((code_point >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((code_point >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (code_point & 0x3F));
   }
-  return std::string_view(first.value());
 }
 
-template <class T>
-void ApplyRows(T& object, const std::vector<Row<T>>& rows, const ObjectElements& elements) {
-  const std::vector<Variant>& initial_values = InitialValues(rows);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    const Row<T>& row = rows[i];
-    if (!row.set) continue;
-    const pugi::xml_node element = elements.rows[i];
-    if (!element) {
-      row.set(object, initial_values[i]);
-    } else if (const std::optional<std::string_view> text = PlainText(element)) {
-      LoadBudget::CheckValue(*text);
-      if (row.set_text) {
-        row.set_text(object, *text);
-      } else {
-        row.set(object, Variant(*text));
-      }
+/// The character a reference stands for ("lt", "#38", "#x26" between "&" and ";"). References
+/// the parser would keep as they stand, or read otherwise, end the pass.
+std::uint32_t ReferencedCharacter(std::string_view reference) {
+  if (reference == "lt") return '<';
+  if (reference == "gt") return '>';
+  if (reference == "amp") return '&';
+  if (reference == "apos") return '\'';
+  if (reference == "quot") return '"';
+  if (reference.size() < 2 || reference[0] != '#') Irregular();
+  const bool hex = reference[1] == 'x';
+  const std::string_view digits = reference.substr(hex ? 2 : 1);
+  if (digits.empty() || digits.size() > 7) Irregular();
+  std::uint32_t value = 0;
+  for (const char c : digits) {
+    std::uint32_t digit;
+    if (c >= '0' && c <= '9') {
+      digit = static_cast<std::uint32_t>(c - '0');
+    } else if (hex && c >= 'a' && c <= 'f') {
+      digit = static_cast<std::uint32_t>(c - 'a' + 10);
+    } else if (hex && c >= 'A' && c <= 'F') {
+      digit = static_cast<std::uint32_t>(c - 'A' + 10);
     } else {
-      const Variant value = ElementValue(element);
-      if (value.IsString()) LoadBudget::CheckValue(value.AsString());
-      row.set(object, value);
+      Irregular();
+    }
+    value = value * (hex ? 16 : 10) + digit;
+  }
+  // The character check before the pass refused U+0000, surrogates and values past U+10FFFF.
+  if (value == 0 || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) Irregular();
+  return value;
+}
+
+/// Appends `raw` as the parser reads it: CR LF and lone CRs become LF, and in character data
+/// (not in CDATA sections) references are expanded.
+void AppendDecoded(std::string_view raw, bool character_data, std::string& out) {
+  for (std::size_t i = 0; i < raw.size(); ++i) {
+    const char c = raw[i];
+    if (c == '\r') {
+      out += '\n';
+      if (i + 1 < raw.size() && raw[i + 1] == '\n') ++i;
+    } else if (c == '&' && character_data) {
+      const std::size_t semicolon = raw.find(';', i + 1);
+      if (semicolon == std::string_view::npos) Irregular();
+      AppendUtf8(ReferencedCharacter(raw.substr(i + 1, semicolon - i - 1)), out);
+      i = semicolon;
+    } else {
+      out += c;
     }
   }
 }
 
-/// Child n must be the n-th element of its class and named prefix + n, so that no name repeats
-/// and each lookup by name finds exactly this element.
-void CheckNumbered(const std::vector<pugi::xml_node>& children, const char* prefix) {
-  const std::size_t prefix_length = std::strlen(prefix);
-  for (std::size_t i = 0; i < children.size(); ++i) {
-    const std::string_view name = children[i].attribute("name").value();
+/// Applies the values of one object's properties in the order of its rows, as the DOM reader
+/// does: a row's first element counts, and rows without one get the value of a new object.
+template <class T>
+class RowFiller {
+ public:
+  RowFiller(T& object, const std::vector<Row<T>>& rows)
+      : object_(object), rows_(rows), initial_values_(InitialValues(rows)) {
+    static_assert(sizeof(seen_) * 8 >= 48, "every row has its bit");
+    if (rows.size() > sizeof(seen_) * 8) Irregular();
+  }
+
+  /// Takes the element `name` with `value` when it is a row; false when it is none.
+  bool Take(std::string_view name, const PropertyValue& value) {
+    const std::size_t row = Find(name);
+    if (row == rows_.size()) return false;
+    const std::uint64_t bit = std::uint64_t{1} << row;
+    if (seen_ & bit) return true;
+    if (row < next_) Irregular();  // it already has the value of a new object
+    for (; next_ < row; ++next_) SetInitial(next_);
+    Apply(rows_[row], value);
+    seen_ |= bit;
+    next_ = row + 1;
+    return true;
+  }
+
+  /// Gives the rows after the last one taken the value of a new object.
+  void Finish() {
+    for (; next_ < rows_.size(); ++next_) SetInitial(next_);
+  }
+
+ private:
+  std::size_t Find(std::string_view name) const {
+    if (next_ < rows_.size() && name == rows_[next_].name) return next_;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+      if (name == rows_[i].name) return i;
+    }
+    return rows_.size();
+  }
+
+  void SetInitial(std::size_t row) {
+    if (rows_[row].set) rows_[row].set(object_, initial_values_[row]);
+  }
+
+  void Apply(const Row<T>& row, const PropertyValue& value) {
+    if (!row.set) return;
+    if (value.kind == PropertyValue::kText || value.kind == PropertyValue::kMarkedText) {
+      LoadBudget::CheckValue(value.text);
+    }
+    if (value.kind == PropertyValue::kText && row.set_text) {
+      row.set_text(object_, value.text);
+    } else {
+      row.set(object_, value.AsVariant());
+    }
+  }
+
+  T& object_;
+  const std::vector<Row<T>>& rows_;
+  const std::vector<Variant>& initial_values_;
+  std::size_t next_ = 0;
+  std::uint64_t seen_ = 0;
+};
+
+class DefinitionTextReader {
+ public:
+  explicit DefinitionTextReader(std::string_view text)
+      : at_(text.data()), end_(text.data() + text.size()) {}
+
+  void ReadDocument(xqb_Query& query) {
+    Take("\xEF\xBB\xBF");
+    SkipSpace();
+    while (Take("<?")) SkipProcessingInstruction();  // the declaration: the parser drops it
+    Expect('<');
+    const StartTag bag = ReadStartTag();
+    if (bag.name != "PropertyBag" || bag.closed) Irregular();
+    bool has_query = false;
+    while (const std::optional<StartTag> tag = NextChild(bag)) {
+      if (tag->name == "xqb_Query") {
+        if (has_query) Irregular();
+        has_query = true;
+        ReadOwner(query, *tag, QueryRows(), kTables, &xqb_Query::SetTables,
+                  &xqb_Tables::AddObjectTable);
+      } else {
+        ReadUnknown(*tag);
+      }
+    }
+    SkipSpace();
+    if (!has_query || at_ != end_) Irregular();
+  }
+
+ private:
+  // --- characters and tags ---
+
+  void SkipSpace() {
+    while (at_ < end_ && IsSpace(*at_)) ++at_;
+  }
+
+  bool Take(std::string_view text) {
+    if (static_cast<std::size_t>(end_ - at_) < text.size() ||
+        std::memcmp(at_, text.data(), text.size()) != 0) {
+      return false;
+    }
+    at_ += text.size();
+    return true;
+  }
+
+  void Expect(char c) {
+    if (at_ == end_ || *at_ != c) Irregular();
+    ++at_;
+  }
+
+  const char* Find(char c) const {
+    const void* found = std::memchr(at_, c, static_cast<std::size_t>(end_ - at_));
+    if (!found) Irregular();
+    return static_cast<const char*>(found);
+  }
+
+  const char* Find(std::string_view text) const {
+    const std::string_view rest(at_, static_cast<std::size_t>(end_ - at_));
+    const std::size_t found = rest.find(text);
+    if (found == std::string_view::npos) Irregular();
+    return at_ + found;
+  }
+
+  /// An ASCII name; any other name ends the pass.
+  std::string_view Name() {
+    const char* start = at_;
+    if (at_ == end_ || !IsNameStart(*at_)) Irregular();
+    while (at_ < end_ && IsNameChar(*at_)) ++at_;
+    return {start, static_cast<std::size_t>(at_ - start)};
+  }
+
+  void SkipProcessingInstruction() {
+    Name();
+    if (!Take("?>")) {
+      if (at_ == end_ || !IsSpace(*at_)) Irregular();
+      at_ = Find("?>") + 2;
+    }
+    SkipSpace();
+  }
+
+  /// The tag after its "<": a name and at most two attributes (more are left to the general
+  /// reading, which checks that names do not repeat).
+  StartTag ReadStartTag() {
+    StartTag tag;
+    tag.name = Name();
+    for (;;) {
+      const char* before = at_;
+      SkipSpace();
+      if (Take("/>")) {
+        tag.closed = true;
+        return tag;
+      }
+      if (Take(">")) return tag;
+      if (at_ == before || tag.attribute_count == tag.attributes.size()) Irregular();
+      Attribute& attribute = tag.attributes[tag.attribute_count++];
+      attribute.name = Name();
+      SkipSpace();
+      Expect('=');
+      SkipSpace();
+      if (at_ == end_ || (*at_ != '"' && *at_ != '\'')) Irregular();
+      const char quote = *at_++;
+      const char* close = Find(quote);
+      attribute.value = {at_, static_cast<std::size_t>(close - at_)};
+      if (attribute.value.find('<') != std::string_view::npos) Irregular();
+      at_ = close + 1;
+    }
+  }
+
+  /// Reads the end tag of `name` after its "</".
+  void ReadEndTag(std::string_view name) {
+    if (!Take(name)) Irregular();
+    SkipSpace();
+    Expect('>');
+  }
+
+  /// The next child element of an element whose start tag was read, or nothing after reading
+  /// its end tag. Only white space may stand between the children.
+  std::optional<StartTag> NextChild(const StartTag& parent) {
+    if (parent.closed) return std::nullopt;
+    SkipSpace();
+    Expect('<');
+    if (Take("/")) {
+      ReadEndTag(parent.name);
+      return std::nullopt;
+    }
+    return ReadStartTag();
+  }
+
+  // --- values ---
+
+  /// The value of a property element whose start tag was read, through its end tag.
+  PropertyValue ReadValue(const StartTag& tag) {
+    PropertyValue value;
+    if (tag.attribute_count == 2) {
+      if (tag.attributes != kBinBase64Attributes) Irregular();
+      value.kind = PropertyValue::kBytes;
+    } else if (tag.attribute_count == 1) {
+      const Attribute& marker = tag.attributes[0];
+      // The parser turns white space in values into blanks and expands references.
+      if (marker.name != "vartype" ||
+          marker.value.find_first_of("&\t\n\r") != std::string_view::npos) {
+        Irregular();
+      }
+      const std::string kind = UpperAscii(marker.value);
+      value.kind = kind == "NULL"      ? PropertyValue::kNull
+                   : kind == "EMPTY"   ? PropertyValue::kEmpty
+                   : kind == "NOTHING" ? PropertyValue::kNothing
+                                       : PropertyValue::kMarkedText;
+    }
+    if (!tag.closed) value.text = ReadContent(tag.name);
+    return value;
+  }
+
+  /// The text of an element's content: its character data and CDATA sections in order, white
+  /// space alone between them dropped, as the parser reads them. Nested markup ends the pass.
+  std::string_view ReadContent(std::string_view name) {
+    std::string_view single;
+    bool in_scratch = false;
+    auto add = [&](std::string_view raw, bool character_data) {
+      const bool plain = raw.find_first_of(character_data ? "&\r" : "\r") == std::string_view::npos;
+      if (!in_scratch && single.empty() && plain) {
+        single = raw;
+        return;
+      }
+      if (!in_scratch) scratch_.assign(single);
+      in_scratch = true;
+      if (plain) {
+        scratch_.append(raw);
+      } else {
+        AppendDecoded(raw, character_data, scratch_);
+      }
+    };
+    for (;;) {
+      const char* open = Find('<');
+      const std::string_view raw(at_, static_cast<std::size_t>(open - at_));
+      bool blank = true;
+      for (const char c : raw) blank = blank && IsSpace(c);
+      if (!blank) add(raw, true);
+      at_ = open + 1;
+      if (Take("/")) {
+        ReadEndTag(name);
+        break;
+      }
+      if (!Take("![CDATA[")) Irregular();
+      const char* close = Find("]]>");
+      add({at_, static_cast<std::size_t>(close - at_)}, false);
+      at_ = close + 3;
+    }
+    return in_scratch ? std::string_view(scratch_) : single;
+  }
+
+  /// An element no row reads: skipped when it holds text alone. Markup inside it could hold
+  /// another "PropertyBag" path that the bag's document-wide lookups would see.
+  void ReadUnknown(const StartTag& tag) {
+    if (tag.name == "PropertyBag") Irregular();
+    ReadValue(tag);
+  }
+
+  // --- objects ---
+
+  /// Reads an object that owns a collection: its rows as they come, its children in the order of
+  /// their numbers, then a new collection holding child 1 to the count (a number without an
+  /// element gives a child at its defaults).
+  template <class T, class Collection, class Child>
+  void ReadOwner(T& owner, const StartTag& tag, const std::vector<Row<T>>& rows,
+                 const ChildShape& shape, void (T::*set_collection)(std::shared_ptr<Collection>),
+                 void (Collection::*add)(std::shared_ptr<Child>)) {
+    RowFiller<T> filler(owner, rows);
+    std::vector<std::shared_ptr<Child>> children;
+    std::optional<PropertyValue> count;
+    std::string count_text;
+    while (const std::optional<StartTag> child = NextChild(tag)) {
+      if (child->name == shape.type) {
+        CheckNumber(*child, shape.prefix, children.size() + 1);
+        LoadBudget::TakeObjects(1);
+        children.push_back(Child::Create());
+        ReadObject(*children.back(), *child);
+        continue;
+      }
+      const PropertyValue value = ReadValue(*child);
+      if (filler.Take(child->name, value)) continue;
+      if (child->name == shape.count_name) {
+        if (!count) {
+          count = value;
+          count_text.assign(value.text);
+          count->text = count_text;
+        }
+      } else if (child->name == "PropertyBag") {
+        Irregular();
+      }
+    }
+    filler.Finish();
+    auto collection = Collection::Create();
+    (owner.*set_collection)(collection);
+    const std::int32_t number = count ? CLng(count->AsVariant()) : 0;
+    for (std::int32_t n = 1; n <= number; ++n) {
+      if (static_cast<std::size_t>(n) <= children.size()) {
+        ((*collection).*add)(std::move(children[n - 1]));
+      } else {
+        LoadBudget::TakeObjects(1);
+        ((*collection).*add)(Child::Create());
+      }
+    }
+  }
+
+  /// Child n must be named prefix + n, so that no name repeats and each lookup by name finds
+  /// exactly this element.
+  static void CheckNumber(const StartTag& tag, std::string_view prefix, std::size_t number) {
+    const Attribute& attribute = tag.OnlyAttribute();
+    if (attribute.name != "name") Irregular();
+    const std::string_view name = attribute.value;
     char digits[24];
-    const auto end = std::to_chars(digits, digits + sizeof digits, i + 1).ptr;
-    if (name.size() != prefix_length + static_cast<std::size_t>(end - digits) ||
-        name.compare(0, prefix_length, prefix) != 0 ||
-        name.substr(prefix_length) != std::string_view(digits, end - digits)) {
-      throw IrregularShape{};
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    if (!name.starts_with(prefix) ||
+        name.substr(prefix.size()) != std::string_view(digits, end - digits)) {
+      Irregular();
     }
   }
-}
 
-void ReadObject(xqb_Query& query, pugi::xml_node element);
-void ReadObject(xqb_Table& table, pugi::xml_node element);
-void ReadObject(xqb_Field& field, pugi::xml_node element);
-void ReadObject(xqb_Condition& condition, pugi::xml_node element);
-
-/// Reads an object that owns a collection: its rows, a new collection, then its children in the
-/// order of their numbers (a number without an element gives a child at its defaults).
-template <class T, class Collection, class Child>
-void ReadOwner(T& owner, pugi::xml_node element, const std::vector<Row<T>>& rows,
-               const ChildShape& shape, void (T::*set_collection)(std::shared_ptr<Collection>),
-               void (Collection::*add)(std::shared_ptr<Child>)) {
-  ObjectElements elements;
-  Collect(element, rows, &shape, elements);
-  CheckNumbered(elements.children, shape.prefix);
-  ApplyRows(owner, rows, elements);
-  auto collection = Collection::Create();
-  (owner.*set_collection)(collection);
-  const std::int32_t count = elements.count ? CLng(ElementValue(elements.count)) : 0;
-  for (std::int32_t n = 1; n <= count; ++n) {
-    LoadBudget::TakeObjects(1);
-    std::shared_ptr<Child> child = Child::Create();
-    if (static_cast<std::size_t>(n) <= elements.children.size()) {
-      ReadObject(*child, elements.children[n - 1]);
-    }
-    ((*collection).*add)(std::move(child));
+  void ReadObject(xqb_Table& table, const StartTag& tag) {
+    ReadOwner(table, tag, TableRows(), kFields, &xqb_Table::SetFields, &xqb_Fields::AddObjectField);
   }
-}
 
-void ReadObject(xqb_Query& query, pugi::xml_node element) {
-  ReadOwner(query, element, QueryRows(), kTables, &xqb_Query::SetTables,
-            &xqb_Tables::AddObjectTable);
-}
-
-void ReadObject(xqb_Table& table, pugi::xml_node element) {
-  ReadOwner(table, element, TableRows(), kFields, &xqb_Table::SetFields,
-            &xqb_Fields::AddObjectField);
-}
-
-void ReadObject(xqb_Field& field, pugi::xml_node element) {
-  ReadOwner(field, element, FieldRows(), kConditions, &xqb_Field::SetConditions,
-            &xqb_Conditions::AddObjectCondition);
-}
-
-void ReadObject(xqb_Condition& condition, pugi::xml_node element) {
-  ObjectElements elements;
-  Collect(element, ConditionRows(), nullptr, elements);
-  ApplyRows(condition, ConditionRows(), elements);
-}
-
-/// The one "xqb_Query" element under the document element "PropertyBag", or none.
-pugi::xml_node OnlyQueryElement(const pugi::xml_document& document) {
-  const pugi::xml_node bag = document.document_element();
-  if (!Named(bag, "PropertyBag")) return {};
-  pugi::xml_node query;
-  for (pugi::xml_node child = bag.first_child(); child; child = child.next_sibling()) {
-    if (child.type() != pugi::node_element) continue;
-    if (Named(child, "xqb_Query")) {
-      if (query) return {};
-      query = child;
-    } else if (HasElementChild(child) || Named(child, "PropertyBag")) {
-      return {};
-    }
+  void ReadObject(xqb_Field& field, const StartTag& tag) {
+    ReadOwner(field, tag, FieldRows(), kConditions, &xqb_Field::SetConditions,
+              &xqb_Conditions::AddObjectCondition);
   }
-  return query;
-}
+
+  void ReadObject(xqb_Condition& condition, const StartTag& tag) {
+    RowFiller<xqb_Condition> filler(condition, ConditionRows());
+    while (const std::optional<StartTag> child = NextChild(tag)) {
+      const PropertyValue value = ReadValue(*child);
+      if (!filler.Take(child->name, value) && child->name == "PropertyBag") Irregular();
+    }
+    filler.Finish();
+  }
+
+  const char* at_;
+  const char* end_;
+  std::string scratch_;  // a value that had to be decoded, until the next one
+};
 
 }  // namespace
 
-bool ReadRegularDefinition(const pugi::xml_document& document, xqb_Query& query) {
-  const pugi::xml_node element = OnlyQueryElement(document);
-  if (!element) return false;
+bool ReadRegularDefinition(std::string_view xml_text, xqb_Query& query) {
   try {
-    ReadObject(query, element);
+    std::string decoded;
+    const std::string_view text = DecodeXmlText(xml_text, decoded);
+    if (!ForbiddenCharacters(text).empty()) return false;
+    DefinitionTextReader(text).ReadDocument(query);
     return true;
   } catch (const IrregularShape&) {
     return false;
   } catch (const Error&) {
-    return false;  // the bag's reading raises it again, with its own context
+    return false;  // the general reading raises it again, with its own context
   }
 }
 

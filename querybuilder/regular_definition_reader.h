@@ -1,22 +1,24 @@
-// Reads a definition document of the usual shape straight from its DOM, without the property
-// bag's lookups, giving exactly what the bag-based reading gives.
+// Reads a definition document of the usual shape straight from its text, without building a DOM
+// or using the property bag's lookups, giving exactly what the bag-based reading gives.
 #pragma once
 
-#include <pugixml.hpp>
+#include <string_view>
 
 #include "querybuilder/xqb_query.h"
 
 namespace brix {
 
-/// Fills `query` from `document` when the document has the shape every saved definition has:
-/// one "PropertyBag" element (the document element) holding one "xqb_Query" element; under each
-/// object, the children of the next class in the order of their numbers, each named once; no
-/// nested markup in property values. There every lookup of the bag finds the child it would find
-/// in this element, so the objects read the same.
+/// Fills `query` from the document `xml_text` (any encoding the bag reads) when the document has
+/// the shape every saved definition has: after an optional declaration, one "PropertyBag" element
+/// holding one "xqb_Query" element; under each object, the children of the next class named by
+/// their numbers in order; property values of text, references and CDATA sections, marked at most
+/// by a "vartype" attribute; no comments, processing instructions or nested markup inside. For
+/// such a document every lookup of the bag finds the element this reader reads, so the objects
+/// read the same.
 ///
-/// Returns false, having possibly changed `query`, when the document has another shape or a value
-/// does not convert: the caller then reads the document through the bag, which sets every saved
-/// property again and raises what it raises.
-bool ReadRegularDefinition(const pugi::xml_document& document, xqb_Query& query);
+/// Returns false, having possibly changed `query`, when the document has another shape, is not
+/// well-formed, or a value does not convert: the caller then reads the document through the
+/// bag, which sets every saved property again and raises what it raises.
+bool ReadRegularDefinition(std::string_view xml_text, xqb_Query& query);
 
 }  // namespace brix

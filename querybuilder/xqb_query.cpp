@@ -207,10 +207,15 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
     before.reset(new xqb_Query());
     before->DefinitionMembers() = DefinitionMembers();
     kept = true;
+    {
+      const LoadBudget budget(load_limits_);
+      if (ReadRegularDefinition(XMLDef, *this)) return;
+    }
+    DefinitionMembers() = before->DefinitionMembers();  // undoes what the direct reading set
     const LoadBudget budget(load_limits_);
     auto bag = XMLPropBag::Create();
     bag->SetContentsForReading(XMLDef);
-    if (!ReadRegularDefinition(*bag->Document(), *this)) bag->RestoreState(this);
+    bag->RestoreState(this);
   } catch (const Error& trapped) {
     Raise(kErrLoadXMLDef, kLoadSource, TrappedDescription(kLoadMessage, "", trapped));
   } catch (const std::bad_alloc&) {

@@ -57,10 +57,8 @@ Outcome ThroughLoad(const std::string& text) {
 }
 
 bool ReadsDirectly(const std::string& text) {
-  auto bag = XMLPropBag::Create();
-  bag->SetContents(text);
   auto query = xqb_Query::Create();
-  return ReadRegularDefinition(*bag->Document(), *query);
+  return ReadRegularDefinition(text, *query);
 }
 
 struct Edit {
@@ -106,6 +104,32 @@ const std::vector<Edit> kEdits = {
        "</PropertyBag>"}},
      false},
     {"an unknown element with content", {{"<IsEditable>", "<X><Y/></X><IsEditable>"}}, false},
+    {"a declaration and a byte order mark",
+     {{"<PropertyBag>", "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<PropertyBag>"}},
+     true},
+    {"indented elements",
+     {{"<ConditionID>", "\r\n\t<ConditionID>"}, {"</Tag>", "</Tag>\n "}},
+     true},
+    {"blanks and single quotes in tags",
+     {{"name=\"Condition1\">", "name = 'Condition1' >"}, {"</Clause>", "</Clause\r\n>"}},
+     true},
+    {"references in a value", {{"<Clause>", "<Clause>&#x31;&#50;"}}, true},
+    {"every kind of text in one value",
+     {{"<Tag/>",
+       "<Tag>a&lt;&amp;&gt;&quot;&apos;&#x20AC;&#128512; <![CDATA[<b>\r\n]]> \r\n "
+       "<![CDATA[]]>b\r\nc\rd</Tag>"}},
+     true},
+    {"white space alone in a value", {{"<Tag/>", "<Tag> \r\n\t</Tag>"}}, true},
+    {"an empty marked value", {{"<Value>", "<Value vartype='Empty'>"}}, true},
+    {"a reference the parser keeps", {{"<Tag/>", "<Tag>&nbsp;</Tag>"}}, false},
+    {"a comment between properties", {{"<IsEditable>", "<!-- x --><IsEditable>"}}, false},
+    {"a second attribute on a condition",
+     {{"name=\"Condition1\"", "name=\"Condition1\" x=\"\""}},
+     false},
+    {"a marker written by reference", {{"<Value>", "<Value vartype=\"&#78;ull\">"}}, false},
+    {"an end tag that does not match", {{"</Clause>", "</Claus>"}}, false},
+    {"a document cut short", {{"</xqb_Query></PropertyBag>", "</xqb_Query>"}}, false},
+    {"text after the document", {{"</PropertyBag>", "</PropertyBag>x"}}, false},
     {"a second query",
      {{"</PropertyBag>", "<xqb_Query><TablesCount>0</TablesCount></xqb_Query></PropertyBag>"}},
      false},
@@ -146,6 +170,17 @@ TEST(RegularDefinitionReader, EditedDocumentsLoadAsThroughTheBag) {
     }
     EXPECT_GT(tried, 0) << edit.what << " never applied";
   }
+}
+
+TEST(RegularDefinitionReader, ALoadThatFailsPartWayLeavesTheQueryAsItWas) {
+  const std::string saved = test_support::RandomQueryMaker(3).Make()->SaveXMLDef();
+  const std::string other = test_support::RandomQueryMaker(5).Make()->SaveXMLDef();
+  auto query = xqb_Query::Create();
+  query->LoadXMLDef(saved);
+  // The direct reading builds tables before it meets the broken end; the parser then refuses.
+  const std::string broken = other.substr(0, other.rfind("</xqb_Table>")) + "</PropertyBag>";
+  EXPECT_THROW(query->LoadXMLDef(broken), Error);
+  EXPECT_EQ(query->SaveXMLDef(), saved);
 }
 
 }  // namespace
