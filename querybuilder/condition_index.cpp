@@ -20,19 +20,22 @@ std::size_t ConditionIndex::KeyHash::operator()(const KeyView& key) const {
   return h * 1000003 + operand_hash(key.secondary);
 }
 
-std::optional<ConditionIndex::Operand> ConditionIndex::Canonical(const Variant& value) {
+std::optional<ConditionIndex::OperandView> ConditionIndex::Canonical(const Variant& value,
+                                                                     std::string& storage) {
   switch (value.Type()) {
     case vbEmpty:
-      return Operand{};
+      return OperandView{};
     case vbNull:
-      return Operand{Kind::kNull, 0, {}};
+      return OperandView{Kind::kNull, 0, {}};
     case vbSingle:
     case vbCurrency:
-      return Operand{Kind::kRounded, 0, {}};
+      return OperandView{Kind::kRounded, 0, {}};
     case vbString: {
       // Texts compare by their UTF-16 code units, so malformed UTF-8 that decodes alike is alike.
       const std::string& text = value.AsString();
-      return Operand{Kind::kText, 0, IsAscii(text) ? text : ToUtf8(ToUtf16(text))};
+      if (IsAscii(text)) return OperandView{Kind::kText, 0, text};
+      storage = ToUtf8(ToUtf16(text));
+      return OperandView{Kind::kText, 0, storage};
     }
     case vbInteger:
     case vbLong:
@@ -42,7 +45,7 @@ std::optional<ConditionIndex::Operand> ConditionIndex::Canonical(const Variant& 
     case vbDate: {
       double number = value.NumericValue();
       if (std::isnan(number)) return std::nullopt;
-      return Operand{Kind::kNumber, number + 0.0, {}};  // -0 and +0 are one value
+      return OperandView{Kind::kNumber, number + 0.0, {}};  // -0 and +0 are one value
     }
     default:
       return std::nullopt;
@@ -50,12 +53,14 @@ std::optional<ConditionIndex::Operand> ConditionIndex::Canonical(const Variant& 
 }
 
 ConditionIndex::Entry ConditionIndex::EntryOf(const xqb_Condition& condition, Key& key) {
-  std::optional<Operand> value = Canonical(condition.Value());
-  std::optional<Operand> secondary = Canonical(condition.SecondaryValue());
+  std::string value_storage, secondary_storage;
+  std::optional<OperandView> value = Canonical(condition.Value(), value_storage);
+  std::optional<OperandView> secondary = Canonical(condition.SecondaryValue(), secondary_storage);
   if (!value || !secondary) return Entry::kIrregular;
   if (value->kind == Kind::kNull || secondary->kind == Kind::kNull) return Entry::kNever;
   if (value->kind == Kind::kRounded || secondary->kind == Kind::kRounded) return Entry::kRounded;
-  key = Key{condition.Clause(), std::move(*value), std::move(*secondary)};
+  key = Key{condition.Clause(), Operand{value->kind, value->number, std::string(value->text)},
+            Operand{secondary->kind, secondary->number, std::string(secondary->text)}};
   return Entry::kKeyed;
 }
 
@@ -102,7 +107,8 @@ void ConditionIndex::Clear() {
 std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
                                              const Variant& value) const {
   if (irregular_ > 0) return std::nullopt;
-  std::optional<Operand> given = Canonical(value);
+  std::string storage;
+  std::optional<OperandView> given = Canonical(value, storage);
   if (!given || given->kind == Kind::kRounded) return std::nullopt;
   if (given->kind == Kind::kNull) return false;  // nothing held raises, and Null equals nothing
   // Conditions compared after rounding are few (only programs set such operands): one by one.
@@ -113,7 +119,7 @@ std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
     }
   }
   // Empty equals both "" and 0, while "" and 0 differ: list every stored form equal to `value`.
-  std::array<OperandView, 3> equal_forms{given->View()};
+  std::array<OperandView, 3> equal_forms{*given};
   std::size_t form_count = 1;
   const bool is_zero_like = (given->kind == Kind::kText && given->text.empty()) ||
                             (given->kind == Kind::kNumber && given->number == 0);

@@ -76,7 +76,8 @@ class ConditionIndex {
     }
   };
 
-  static std::optional<Operand> Canonical(const Variant& value);
+  /// The canonical form of `value`, its text in `storage` when it has to be converted.
+  static std::optional<OperandView> Canonical(const Variant& value, std::string& storage);
   static Entry EntryOf(const xqb_Condition& condition, Key& key);
 
   std::unordered_map<Key, std::int32_t, KeyHash, KeyEqual> counts_;

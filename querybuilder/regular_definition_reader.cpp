@@ -30,12 +30,38 @@ struct IrregularShape {};
 
 [[noreturn]] void Irregular() { throw IrregularShape{}; }
 
-constexpr bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-constexpr bool IsNameStart(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':';
+// Classes of the bytes the reader meets, looked up in one table: the reader's loops run over
+// every character of the document.
+enum CharacterClass : std::uint8_t {
+  kSpace = 1,
+  kNameStart = 2,
+  kNameChar = 4,
+  kDecoded = 8,  // changed by the parser in character data: "&" and CR
+};
+
+constexpr std::array<std::uint8_t, 256> kClasses = [] {
+  std::array<std::uint8_t, 256> classes{};
+  for (const char c : {' ', '\t', '\n', '\r'}) classes[static_cast<unsigned char>(c)] |= kSpace;
+  for (int c = 0; c < 256; ++c) {
+    const bool start = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':';
+    if (start) classes[c] |= kNameStart | kNameChar;
+    if ((c >= '0' && c <= '9') || c == '-' || c == '.') classes[c] |= kNameChar;
+  }
+  classes['&'] |= kDecoded;
+  classes['\r'] |= kDecoded;
+  return classes;
+}();
+
+constexpr bool Is(char c, CharacterClass character_class) {
+  return kClasses[static_cast<unsigned char>(c)] & character_class;
 }
-constexpr bool IsNameChar(char c) {
-  return IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+
+/// Whether `name` is the row name `row_name`, without measuring `row_name` first.
+bool SameName(std::string_view name, const char* row_name) {
+  for (const char c : name) {
+    if (*row_name++ != c) return false;
+  }
+  return *row_name == '\0';
 }
 
 /// How the objects of one class own those of the next: the count element and the child elements
@@ -197,9 +223,9 @@ class RowFiller {
 
  private:
   std::size_t Find(std::string_view name) const {
-    if (next_ < rows_.size() && name == rows_[next_].name) return next_;
+    if (next_ < rows_.size() && SameName(name, rows_[next_].name)) return next_;
     for (std::size_t i = 0; i < rows_.size(); ++i) {
-      if (name == rows_[i].name) return i;
+      if (SameName(name, rows_[i].name)) return i;
     }
     return rows_.size();
   }
@@ -258,15 +284,21 @@ class DefinitionTextReader {
   // --- characters and tags ---
 
   void SkipSpace() {
-    while (at_ < end_ && IsSpace(*at_)) ++at_;
+    while (at_ < end_ && Is(*at_, kSpace)) ++at_;
   }
 
   bool Take(std::string_view text) {
-    if (static_cast<std::size_t>(end_ - at_) < text.size() ||
-        std::memcmp(at_, text.data(), text.size()) != 0) {
-      return false;
+    if (static_cast<std::size_t>(end_ - at_) < text.size()) return false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (at_[i] != text[i]) return false;
     }
     at_ += text.size();
+    return true;
+  }
+
+  bool Take(char c) {
+    if (at_ == end_ || *at_ != c) return false;
+    ++at_;
     return true;
   }
 
@@ -291,15 +323,15 @@ class DefinitionTextReader {
   /// An ASCII name; any other name ends the pass.
   std::string_view Name() {
     const char* start = at_;
-    if (at_ == end_ || !IsNameStart(*at_)) Irregular();
-    while (at_ < end_ && IsNameChar(*at_)) ++at_;
+    if (at_ == end_ || !Is(*at_, kNameStart)) Irregular();
+    while (at_ < end_ && Is(*at_, kNameChar)) ++at_;
     return {start, static_cast<std::size_t>(at_ - start)};
   }
 
   void SkipProcessingInstruction() {
     Name();
     if (!Take("?>")) {
-      if (at_ == end_ || !IsSpace(*at_)) Irregular();
+      if (at_ == end_ || !Is(*at_, kSpace)) Irregular();
       at_ = Find("?>") + 2;
     }
     SkipSpace();
@@ -310,6 +342,7 @@ class DefinitionTextReader {
   StartTag ReadStartTag() {
     StartTag tag;
     tag.name = Name();
+    if (Take('>')) return tag;
     for (;;) {
       const char* before = at_;
       SkipSpace();
@@ -317,7 +350,7 @@ class DefinitionTextReader {
         tag.closed = true;
         return tag;
       }
-      if (Take(">")) return tag;
+      if (Take('>')) return tag;
       if (at_ == before || tag.attribute_count == tag.attributes.size()) Irregular();
       Attribute& attribute = tag.attributes[tag.attribute_count++];
       attribute.name = Name();
@@ -346,7 +379,7 @@ class DefinitionTextReader {
     if (parent.closed) return std::nullopt;
     SkipSpace();
     Expect('<');
-    if (Take("/")) {
+    if (Take('/')) {
       ReadEndTag(parent.name);
       return std::nullopt;
     }
@@ -383,8 +416,7 @@ class DefinitionTextReader {
   std::string_view ReadContent(std::string_view name) {
     std::string_view single;
     bool in_scratch = false;
-    auto add = [&](std::string_view raw, bool character_data) {
-      const bool plain = raw.find_first_of(character_data ? "&\r" : "\r") == std::string_view::npos;
+    auto add = [&](std::string_view raw, bool character_data, bool plain) {
       if (!in_scratch && single.empty() && plain) {
         single = raw;
         return;
@@ -398,20 +430,26 @@ class DefinitionTextReader {
       }
     };
     for (;;) {
-      const char* open = Find('<');
-      const std::string_view raw(at_, static_cast<std::size_t>(open - at_));
+      // One pass finds the next markup and what the parser would change on the way.
+      const char* start = at_;
       bool blank = true;
-      for (const char c : raw) blank = blank && IsSpace(c);
-      if (!blank) add(raw, true);
-      at_ = open + 1;
-      if (Take("/")) {
+      bool plain = true;
+      while (at_ < end_ && *at_ != '<') {
+        const std::uint8_t classes = kClasses[static_cast<unsigned char>(*at_++)];
+        blank = blank && (classes & kSpace);
+        plain = plain && !(classes & kDecoded);
+      }
+      if (at_ == end_) Irregular();
+      if (!blank) add({start, static_cast<std::size_t>(at_ - start)}, true, plain);
+      ++at_;
+      if (Take('/')) {
         ReadEndTag(name);
         break;
       }
       if (!Take("![CDATA[")) Irregular();
-      const char* close = Find("]]>");
-      add({at_, static_cast<std::size_t>(close - at_)}, false);
-      at_ = close + 3;
+      const std::string_view section(at_, static_cast<std::size_t>(Find("]]>") - at_));
+      add(section, false, section.find('\r') == std::string_view::npos);
+      at_ += section.size() + 3;
     }
     return in_scratch ? std::string_view(scratch_) : single;
   }

@@ -6,7 +6,8 @@
 namespace brix {
 
 std::shared_ptr<xqb_Condition> xqb_Condition::Create() {
-  return std::shared_ptr<xqb_Condition>(new xqb_Condition());
+  struct Made : xqb_Condition {};  // one allocation for the object and its count
+  return std::make_shared<Made>();
 }
 
 void xqb_Condition::SetClause(qbe_ClauseOperator value) {

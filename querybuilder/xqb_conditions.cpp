@@ -22,7 +22,8 @@ constexpr std::int32_t kHighestRandomID = 10000;
 }  // namespace
 
 std::shared_ptr<xqb_Conditions> xqb_Conditions::Create() {
-  return std::shared_ptr<xqb_Conditions>(new xqb_Conditions());
+  struct Made : xqb_Conditions {};  // one allocation for the object and its count
+  return std::make_shared<Made>();
 }
 
 void xqb_Conditions::AddObjectCondition(std::shared_ptr<xqb_Condition> condition) {

@@ -17,7 +17,8 @@ std::string Enclosed(qbe_ClauseOperator clause) { return "|" + std::to_string(cl
 xqb_Field::xqb_Field() : conditions_(xqb_Conditions::Create()) {}
 
 std::shared_ptr<xqb_Field> xqb_Field::Create() {
-  return std::shared_ptr<xqb_Field>(new xqb_Field());
+  struct Made : xqb_Field {};  // one allocation for the object and its count
+  return std::make_shared<Made>();
 }
 
 void xqb_Field::SetDBName(std::string_view value) {

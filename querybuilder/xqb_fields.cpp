@@ -19,7 +19,8 @@ constexpr std::string_view kFieldExistsText =
 xqb_Fields::xqb_Fields() : NamedCollection(kErrFieldExists, kFieldExistsText) {}
 
 std::shared_ptr<xqb_Fields> xqb_Fields::Create() {
-  return std::shared_ptr<xqb_Fields>(new xqb_Fields());
+  struct Made : xqb_Fields {};  // one allocation for the object and its count
+  return std::make_shared<Made>();
 }
 
 std::shared_ptr<xqb_Field> xqb_Fields::Add(std::string_view db_name) {

@@ -10,7 +10,8 @@ namespace brix {
 xqb_Table::xqb_Table() : fields_(xqb_Fields::Create()) {}
 
 std::shared_ptr<xqb_Table> xqb_Table::Create() {
-  return std::shared_ptr<xqb_Table>(new xqb_Table());
+  struct Made : xqb_Table {};  // one allocation for the object and its count
+  return std::make_shared<Made>();
 }
 
 void xqb_Table::SetDBName(std::string_view value) {

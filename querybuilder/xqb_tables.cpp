@@ -16,7 +16,8 @@ constexpr std::string_view kTableExistsText = "A table with this name already ex
 xqb_Tables::xqb_Tables() : NamedCollection(kErrTableExists, kTableExistsText) {}
 
 std::shared_ptr<xqb_Tables> xqb_Tables::Create() {
-  return std::shared_ptr<xqb_Tables>(new xqb_Tables());
+  struct Made : xqb_Tables {};  // one allocation for the object and its count
+  return std::make_shared<Made>();
 }
 
 std::shared_ptr<xqb_Table> xqb_Tables::Add(std::string_view db_name, std::string_view description) {
