@@ -1,16 +1,33 @@
 // Feeds arbitrary text to LoadXMLDef and, when it loads, through every text generator: each step
-// must either succeed or raise brix::Error.
+// must either succeed or raise brix::Error. What the direct reading of the text reads must be what
+// the bag reads.
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "persistence/xml_prop_bag.h"
+#include "querybuilder/regular_definition_reader.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
 #include "runtime/error.h"
 
 namespace {
+
+/// Traps when the text reads directly but the bag reads it otherwise, or refuses it.
+void CompareDirectReading(std::string_view text) {
+  auto direct = brix::xqb_Query::Create();
+  if (!brix::ReadRegularDefinition(text, *direct)) return;
+  auto through_bag = brix::xqb_Query::Create();
+  try {
+    auto bag = brix::XMLPropBag::Create();
+    bag->SetContents(text);
+    bag->RestoreState(through_bag.get());
+  } catch (const brix::Error&) {
+    __builtin_trap();
+  }
+  if (direct->SaveXMLDef() != through_bag->SaveXMLDef()) __builtin_trap();
+}
 
 template <class Action>
 void Attempt(Action&& action) {
@@ -27,6 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static brix::ScopedClock clock(40238.5);  // a fixed date keeps runs reproducible
   auto query = brix::xqb_Query::Create();
   std::string_view text(reinterpret_cast<const char*>(data), size);
+  Attempt([&] { CompareDirectReading(text); });
   try {
     query->LoadXMLDef(text);
   } catch (const brix::Error&) {
