@@ -122,25 +122,6 @@ struct PropertyValue {
   }
 };
 
-/// Appends the UTF-8 form of `code_point` to `out`.
-void AppendUtf8(std::uint32_t code_point, std::string& out) {
-  if (code_point < 0x80) {
-    out += static_cast<char>(code_point);
-  } else if (code_point < 0x800) {
-    out += static_cast<char>(0xC0 | (code_point >> 6));
-    out += static_cast<char>(0x80 | (code_point & 0x3F));
-  } else if (code_point < 0x10000) {
-    out += static_cast<char>(0xE0 | (code_point >> 12));
-    out += static_cast<char>(0x80 | ((code_point >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code_point & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (code_point >> 18));
-    out += static_cast<char>(0x80 | ((code_point >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((code_point >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (code_point & 0x3F));
-  }
-}
-
 /// The character a reference stands for ("lt", "#38", "#x26" between "&" and ";"). References
 /// the parser would keep as they stand, or read otherwise, end the pass.
 std::uint32_t ReferencedCharacter(std::string_view reference) {
@@ -183,7 +164,7 @@ void AppendDecoded(std::string_view raw, bool character_data, std::string& out) 
     } else if (c == '&' && character_data) {
       const std::size_t semicolon = raw.find(';', i + 1);
       if (semicolon == std::string_view::npos) Irregular();
-      AppendUtf8(ReferencedCharacter(raw.substr(i + 1, semicolon - i - 1)), out);
+      EncodeUtf8(ReferencedCharacter(raw.substr(i + 1, semicolon - i - 1)), out);
       i = semicolon;
     } else {
       out += c;

@@ -22,6 +22,9 @@ std::string ReplaceAll(std::string_view text, std::string_view what, std::string
 /// Whether every byte of `text` is ASCII (below 0x80).
 bool IsAscii(std::string_view text);
 
+/// Appends the UTF-8 form of the code point `cp` to `out`.
+void EncodeUtf8(char32_t cp, std::string& out);
+
 /// UTF-8 to UTF-16; invalid bytes become U+FFFD.
 std::u16string ToUtf16(std::string_view text);
 /// UTF-16 to UTF-8; unpaired surrogates become U+FFFD.
