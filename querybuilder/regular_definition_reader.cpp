@@ -244,17 +244,19 @@ class DefinitionTextReader {
     SkipSpace();
     while (Take("<?")) SkipProcessingInstruction();  // the declaration: the parser drops it
     Expect('<');
-    const StartTag bag = ReadStartTag();
+    StartTag bag;
+    ReadStartTag(bag);
     if (bag.name != "PropertyBag" || bag.closed) Irregular();
     bool has_query = false;
-    while (const std::optional<StartTag> tag = NextChild(bag)) {
-      if (tag->name == "xqb_Query") {
+    StartTag tag;
+    while (NextChild(bag, tag)) {
+      if (tag.name == "xqb_Query") {
         if (has_query) Irregular();
         has_query = true;
-        ReadOwner(query, *tag, QueryRows(), kTables, &xqb_Query::SetTables,
+        ReadOwner(query, tag, QueryRows(), kTables, &xqb_Query::SetTables,
                   &xqb_Tables::AddObjectTable);
       } else {
-        ReadUnknown(*tag);
+        ReadUnknown(tag);
       }
     }
     SkipSpace();
@@ -264,8 +266,11 @@ class DefinitionTextReader {
  private:
   // --- characters and tags ---
 
+  // The loops below move a local copy of the position, which the compiler keeps in a register.
   void SkipSpace() {
-    while (at_ < end_ && Is(*at_, kSpace)) ++at_;
+    const char* at = at_;
+    while (at < end_ && Is(*at, kSpace)) ++at;
+    at_ = at;
   }
 
   bool Take(std::string_view text) {
@@ -304,9 +309,11 @@ class DefinitionTextReader {
   /// An ASCII name; any other name ends the pass.
   std::string_view Name() {
     const char* start = at_;
-    if (at_ == end_ || !Is(*at_, kNameStart)) Irregular();
-    while (at_ < end_ && Is(*at_, kNameChar)) ++at_;
-    return {start, static_cast<std::size_t>(at_ - start)};
+    if (start == end_ || !Is(*start, kNameStart)) Irregular();
+    const char* at = start + 1;
+    while (at < end_ && Is(*at, kNameChar)) ++at;
+    at_ = at;
+    return {start, static_cast<std::size_t>(at - start)};
   }
 
   void SkipProcessingInstruction() {
@@ -320,18 +327,19 @@ class DefinitionTextReader {
 
   /// The tag after its "<": a name and at most two attributes (more are left to the general
   /// reading, which checks that names do not repeat).
-  StartTag ReadStartTag() {
-    StartTag tag;
+  void ReadStartTag(StartTag& tag) {
     tag.name = Name();
-    if (Take('>')) return tag;
+    tag.attribute_count = 0;
+    tag.closed = false;
+    if (Take('>')) return;
     for (;;) {
       const char* before = at_;
       SkipSpace();
       if (Take("/>")) {
         tag.closed = true;
-        return tag;
+        return;
       }
-      if (Take('>')) return tag;
+      if (Take('>')) return;
       if (at_ == before || tag.attribute_count == tag.attributes.size()) Irregular();
       Attribute& attribute = tag.attributes[tag.attribute_count++];
       attribute.name = Name();
@@ -354,17 +362,18 @@ class DefinitionTextReader {
     Expect('>');
   }
 
-  /// The next child element of an element whose start tag was read, or nothing after reading
-  /// its end tag. Only white space may stand between the children.
-  std::optional<StartTag> NextChild(const StartTag& parent) {
-    if (parent.closed) return std::nullopt;
+  /// Reads the next child element's start tag into `child` and returns true, or reads the end
+  /// tag of `parent` and returns false. Only white space may stand between the children.
+  bool NextChild(const StartTag& parent, StartTag& child) {
+    if (parent.closed) return false;
     SkipSpace();
     Expect('<');
     if (Take('/')) {
       ReadEndTag(parent.name);
-      return std::nullopt;
+      return false;
     }
-    return ReadStartTag();
+    ReadStartTag(child);
+    return true;
   }
 
   // --- values ---
@@ -413,16 +422,19 @@ class DefinitionTextReader {
     for (;;) {
       // One pass finds the next markup and what the parser would change on the way.
       const char* start = at_;
-      bool blank = true;
-      bool plain = true;
-      while (at_ < end_ && *at_ != '<') {
-        const std::uint8_t classes = kClasses[static_cast<unsigned char>(*at_++)];
-        blank = blank && (classes & kSpace);
-        plain = plain && !(classes & kDecoded);
+      const char* at = start;
+      std::uint8_t all_classes = kSpace;  // kSpace stays while every character is white space
+      std::uint8_t any_classes = 0;
+      while (at < end_ && *at != '<') {
+        const std::uint8_t classes = kClasses[static_cast<unsigned char>(*at++)];
+        all_classes &= classes;
+        any_classes |= classes;
       }
-      if (at_ == end_) Irregular();
-      if (!blank) add({start, static_cast<std::size_t>(at_ - start)}, true, plain);
-      ++at_;
+      if (at == end_) Irregular();
+      if (!(all_classes & kSpace)) {
+        add({start, static_cast<std::size_t>(at - start)}, true, !(any_classes & kDecoded));
+      }
+      at_ = at + 1;
       if (Take('/')) {
         ReadEndTag(name);
         break;
@@ -455,23 +467,24 @@ class DefinitionTextReader {
     std::vector<std::shared_ptr<Child>> children;
     std::optional<PropertyValue> count;
     std::string count_text;
-    while (const std::optional<StartTag> child = NextChild(tag)) {
-      if (child->name == shape.type) {
-        CheckNumber(*child, shape.prefix, children.size() + 1);
+    StartTag child;
+    while (NextChild(tag, child)) {
+      if (child.name == shape.type) {
+        CheckNumber(child, shape.prefix, children.size() + 1);
         LoadBudget::TakeObjects(1);
         children.push_back(Child::Create());
-        ReadObject(*children.back(), *child);
+        ReadObject(*children.back(), child);
         continue;
       }
-      const PropertyValue value = ReadValue(*child);
-      if (filler.Take(child->name, value)) continue;
-      if (child->name == shape.count_name) {
+      const PropertyValue value = ReadValue(child);
+      if (filler.Take(child.name, value)) continue;
+      if (child.name == shape.count_name) {
         if (!count) {
           count = value;
           count_text.assign(value.text);
           count->text = count_text;
         }
-      } else if (child->name == "PropertyBag") {
+      } else if (child.name == "PropertyBag") {
         Irregular();
       }
     }
@@ -514,9 +527,10 @@ class DefinitionTextReader {
 
   void ReadObject(xqb_Condition& condition, const StartTag& tag) {
     RowFiller<xqb_Condition> filler(condition, ConditionRows());
-    while (const std::optional<StartTag> child = NextChild(tag)) {
-      const PropertyValue value = ReadValue(*child);
-      if (!filler.Take(child->name, value) && child->name == "PropertyBag") Irregular();
+    StartTag child;
+    while (NextChild(tag, child)) {
+      const PropertyValue value = ReadValue(child);
+      if (!filler.Take(child.name, value) && child.name == "PropertyBag") Irregular();
     }
     filler.Finish();
   }
