@@ -1,15 +1,24 @@
 // Counting index of conditions by clause and canonical operands.
 #include "querybuilder/condition_index.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
+#include <utility>
 
 #include "runtime/text.h"
 
 namespace brix {
 
-std::size_t ConditionIndex::KeyHash::operator()(const KeyView& key) const {
+namespace {
+const char kRemovedMark = 0;
+}  // namespace
+
+const xqb_Condition* const ConditionIndex::kRemoved =
+    reinterpret_cast<const xqb_Condition*>(&kRemovedMark);
+
+std::size_t ConditionIndex::Hash(const KeyView& key) {
   auto operand_hash = [](const OperandView& operand) {
     std::size_t h = std::hash<int>()(static_cast<int>(operand.kind));
     h = h * 31 + std::hash<double>()(operand.number);
@@ -17,7 +26,8 @@ std::size_t ConditionIndex::KeyHash::operator()(const KeyView& key) const {
   };
   std::size_t h = std::hash<std::int32_t>()(key.clause);
   h = h * 1000003 + operand_hash(key.value);
-  return h * 1000003 + operand_hash(key.secondary);
+  h = h * 1000003 + operand_hash(key.secondary);
+  return h ^ (h >> 29);  // the table takes the low bits
 }
 
 std::optional<ConditionIndex::OperandView> ConditionIndex::Canonical(const Variant& value,
@@ -52,24 +62,29 @@ std::optional<ConditionIndex::OperandView> ConditionIndex::Canonical(const Varia
   }
 }
 
-ConditionIndex::Entry ConditionIndex::EntryOf(const xqb_Condition& condition, Key& key) {
-  std::string value_storage, secondary_storage;
-  std::optional<OperandView> value = Canonical(condition.Value(), value_storage);
-  std::optional<OperandView> secondary = Canonical(condition.SecondaryValue(), secondary_storage);
+ConditionIndex::Entry ConditionIndex::EntryOf(const xqb_Condition& condition, KeyOf& key) {
+  std::optional<OperandView> value = Canonical(condition.Value(), key.value_text);
+  std::optional<OperandView> secondary = Canonical(condition.SecondaryValue(), key.secondary_text);
   if (!value || !secondary) return Entry::kIrregular;
   if (value->kind == Kind::kNull || secondary->kind == Kind::kNull) return Entry::kNever;
   if (value->kind == Kind::kRounded || secondary->kind == Kind::kRounded) return Entry::kRounded;
-  key = Key{condition.Clause(), Operand{value->kind, value->number, std::string(value->text)},
-            Operand{secondary->kind, secondary->number, std::string(secondary->text)}};
+  key.key = KeyView{condition.Clause(), *value, *secondary};
   return Entry::kKeyed;
 }
 
 void ConditionIndex::Insert(const xqb_Condition& condition) {
-  Key key;
+  KeyOf key;
   switch (EntryOf(condition, key)) {
-    case Entry::kKeyed:
-      ++counts_[std::move(key)];
+    case Entry::kKeyed: {
+      if ((used_ + 1) * 2 > slots_.size()) Grow();
+      const std::size_t mask = slots_.size() - 1;
+      const std::size_t hash = Hash(key.key);
+      std::size_t at = hash & mask;
+      while (slots_[at].condition && slots_[at].condition != kRemoved) at = (at + 1) & mask;
+      if (!slots_[at].condition) ++used_;
+      slots_[at] = Slot{hash, &condition};
       break;
+    }
     case Entry::kRounded:
       rounded_.push_back(&condition);
       break;
@@ -82,11 +97,18 @@ void ConditionIndex::Insert(const xqb_Condition& condition) {
 }
 
 void ConditionIndex::Erase(const xqb_Condition& condition) {
-  Key key;
+  KeyOf key;
   switch (EntryOf(condition, key)) {
-    case Entry::kKeyed:
-      if (auto it = counts_.find(key); it != counts_.end() && --it->second == 0) counts_.erase(it);
+    case Entry::kKeyed: {
+      const std::size_t mask = slots_.size() - 1;
+      for (std::size_t at = Hash(key.key) & mask; slots_[at].condition; at = (at + 1) & mask) {
+        if (slots_[at].condition == &condition) {
+          slots_[at].condition = kRemoved;
+          break;
+        }
+      }
       break;
+    }
     case Entry::kRounded:
       std::erase(rounded_, &condition);
       break;
@@ -99,9 +121,39 @@ void ConditionIndex::Erase(const xqb_Condition& condition) {
 }
 
 void ConditionIndex::Clear() {
-  counts_.clear();
+  std::fill(slots_.begin(), slots_.end(), Slot{});
+  used_ = 0;
   rounded_.clear();
   irregular_ = 0;
+}
+
+// Doubles the table for the conditions it holds; removed slots are dropped on the way.
+void ConditionIndex::Grow() {
+  std::size_t held = 0;
+  for (const Slot& slot : slots_) held += slot.condition && slot.condition != kRemoved;
+  std::vector<Slot> old =
+      std::exchange(slots_, std::vector<Slot>(std::max<std::size_t>(16, held * 4)));
+  const std::size_t mask = slots_.size() - 1;
+  for (const Slot& slot : old) {
+    if (!slot.condition || slot.condition == kRemoved) continue;
+    std::size_t at = slot.hash & mask;
+    while (slots_[at].condition) at = (at + 1) & mask;
+    slots_[at] = slot;
+  }
+  used_ = held;
+}
+
+bool ConditionIndex::Contains(const KeyView& key) const {
+  if (slots_.empty()) return false;
+  const std::size_t mask = slots_.size() - 1;
+  const std::size_t hash = Hash(key);
+  for (std::size_t at = hash & mask; slots_[at].condition; at = (at + 1) & mask) {
+    const Slot& slot = slots_[at];
+    if (slot.hash != hash || slot.condition == kRemoved) continue;
+    KeyOf held;
+    if (EntryOf(*slot.condition, held) == Entry::kKeyed && held.key == key) return true;
+  }
+  return false;
 }
 
 std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
@@ -130,7 +182,7 @@ std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
   }
   for (std::size_t v = 0; v < form_count; ++v) {
     for (std::size_t s = 0; s < form_count; ++s) {
-      if (counts_.contains(KeyView{clause, equal_forms[v], equal_forms[s]})) return true;
+      if (Contains(KeyView{clause, equal_forms[v], equal_forms[s]})) return true;
     }
   }
   return false;

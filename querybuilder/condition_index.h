@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "querybuilder/xqb_condition.h"
@@ -15,13 +14,17 @@
 
 namespace brix {
 
-/// Counts the conditions of one collection by (Clause, Value, SecondaryValue), keyed where equality
-/// is exact: Empty, String, and Integer, Long, Double, Byte, Boolean and Date (by their numeric
-/// value, NaN excluded). A condition with a Null operand can never match (a comparison with Null
-/// is not equal) and is left out. Single and Currency operands compare after rounding, which no
-/// key can hold: those conditions are kept in a list and compared one by one. Operands whose
+/// Indexes the conditions of one collection by (Clause, Value, SecondaryValue), keyed where
+/// equality is exact: Empty, String, and Integer, Long, Double, Byte, Boolean and Date (by their
+/// numeric value, NaN excluded). A condition with a Null operand can never match (a comparison with
+/// Null is not equal) and is left out. Single and Currency operands compare after rounding, which
+/// no key can hold: those conditions are kept in a list and compared one by one. Operands whose
 /// comparison can raise (objects, arrays, error values) make the index step aside, so that the
 /// exact scan raises in position order; a field holding one fails at its next addition.
+///
+/// The index holds the conditions themselves (an open-addressing table of condition and key hash)
+/// and reads their operands when it compares, so it must be rebuilt once a held condition changed
+/// a key value, before any lookup or removal; `Clear` reads nothing.
 class ConditionIndex {
  public:
   void Insert(const xqb_Condition& condition);
@@ -42,45 +45,34 @@ class ConditionIndex {
     std::string_view text;
     bool operator==(const OperandView&) const = default;
   };
-  struct Operand {
-    Kind kind = Kind::kEmpty;
-    double number = 0;
-    std::string text;
-    OperandView View() const { return {kind, number, text}; }
-  };
   struct KeyView {
     std::int32_t clause = 0;
     OperandView value;
     OperandView secondary;
     bool operator==(const KeyView&) const = default;
   };
-  struct Key {
-    std::int32_t clause = 0;
-    Operand value;
-    Operand secondary;
-    KeyView View() const { return {clause, value.View(), secondary.View()}; }
+  /// A key and the converted texts it may view.
+  struct KeyOf {
+    KeyView key;
+    std::string value_text;
+    std::string secondary_text;
   };
-  // Stored keys own their texts; lookups use views, so a probe copies no text.
-  struct KeyHash {
-    using is_transparent = void;
-    std::size_t operator()(const KeyView& key) const;
-    std::size_t operator()(const Key& key) const { return (*this)(key.View()); }
+  struct Slot {
+    std::size_t hash = 0;
+    const xqb_Condition* condition = nullptr;  // nullptr: empty; kRemoved: a removed one
   };
-  struct KeyEqual {
-    using is_transparent = void;
-    static KeyView ViewOf(const Key& key) { return key.View(); }
-    static const KeyView& ViewOf(const KeyView& key) { return key; }
-    template <class A, class B>
-    bool operator()(const A& a, const B& b) const {
-      return ViewOf(a) == ViewOf(b);
-    }
-  };
+  static const xqb_Condition* const kRemoved;
 
   /// The canonical form of `value`, its text in `storage` when it has to be converted.
   static std::optional<OperandView> Canonical(const Variant& value, std::string& storage);
-  static Entry EntryOf(const xqb_Condition& condition, Key& key);
+  static Entry EntryOf(const xqb_Condition& condition, KeyOf& key);
+  static std::size_t Hash(const KeyView& key);
 
-  std::unordered_map<Key, std::int32_t, KeyHash, KeyEqual> counts_;
+  bool Contains(const KeyView& key) const;
+  void Grow();
+
+  std::vector<Slot> slots_;  // a power of two in size, at most half used
+  std::size_t used_ = 0;     // slots that are not empty, removed ones included
   std::vector<const xqb_Condition*> rounded_;
   std::int32_t irregular_ = 0;
 };
