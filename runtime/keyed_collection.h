@@ -6,13 +6,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
+#include "runtime/key_positions.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
 
@@ -30,43 +30,47 @@ class KeyedCollection {
   /// Appends `item`; with a key, raises 457 when the key (ignoring letter case) is already used.
   void Add(T item, std::optional<std::string_view> key = std::nullopt) {
     std::optional<std::string> folded;
+    std::size_t hash = 0;
     if (key) {
       folded = FoldCase(*key);
-      if (!positions_.try_emplace(*folded, items_.size()).second) {
+      hash = KeyPositions::Hash(*folded);
+      if (positions_.Find(hash, *folded, keys_) != KeyPositions::kNone) {
         RaiseRuntimeError(kErrKeyAlreadyAssociated);
       }
+      positions_.ReserveOneMore();
     }
     items_.push_back(std::move(item));
-    keys_.push_back(std::move(folded));
+    try {
+      keys_.push_back(std::move(folded));
+    } catch (...) {
+      items_.pop_back();  // running out of memory leaves the collection as it was
+      throw;
+    }
+    if (key) positions_.Add(hash, items_.size() - 1);
   }
 
-  /// The item at a 1-based position (a number, rounded half to even) or under a key (a string).
-  /// Raises 9 for a position outside 1..Count and 5 for an unknown key.
   const T& Item(const Variant& index) const { return items_[IndexOf(index)]; }
   const T& ItemAt(std::int32_t position) const { return items_[IndexOfPosition(position)]; }
   const T& ItemByKey(std::string_view key) const { return items_[IndexOfKey(key)]; }
 
   /// The item under `key`, or nullptr.
   const T* FindKey(std::string_view key) const {
-    auto it = positions_.find(FoldCase(key));
-    return it == positions_.end() ? nullptr : &items_[it->second];
+    const std::size_t at = PositionOfKey(key);
+    return at == KeyPositions::kNone ? nullptr : &items_[at];
   }
 
   /// Removes by position or key, with the errors of `Item`.
   void Remove(const Variant& index) {
     std::size_t at = IndexOf(index);
     items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(at));
-    if (keys_[at]) positions_.erase(*keys_[at]);
     keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(at));
-    for (auto& [key, position] : positions_) {
-      if (position > at) --position;
-    }
+    positions_.Rebuild(keys_);  // the positions after `at` moved
   }
 
   void Clear() {
     items_.clear();
     keys_.clear();
-    positions_.clear();
+    positions_.Clear();
   }
 
   const_iterator begin() const { return items_.begin(); }
@@ -83,14 +87,18 @@ class KeyedCollection {
     return static_cast<std::size_t>(position - 1);
   }
   std::size_t IndexOfKey(std::string_view key) const {
-    auto it = positions_.find(FoldCase(key));
-    if (it == positions_.end()) RaiseRuntimeError(kErrInvalidProcedureCall);
-    return it->second;
+    const std::size_t at = PositionOfKey(key);
+    if (at == KeyPositions::kNone) RaiseRuntimeError(kErrInvalidProcedureCall);
+    return at;
+  }
+  std::size_t PositionOfKey(std::string_view key) const {
+    const std::string folded = FoldCase(key);
+    return positions_.Find(KeyPositions::Hash(folded), folded, keys_);
   }
 
   std::vector<T> items_;
   std::vector<std::optional<std::string>> keys_;
-  std::unordered_map<std::string, std::size_t> positions_;
+  KeyPositions positions_;
 };
 
 }  // namespace brix

@@ -5,6 +5,7 @@ set(BRIX_RUNTIME_HEADERS
   runtime/dates.h
   runtime/error.h
   runtime/error_numbers.h
+  runtime/key_positions.h
   runtime/keyed_collection.h
   runtime/object.h
   runtime/property_bag.h
@@ -18,6 +19,7 @@ set(BRIX_RUNTIME_SOURCES
   runtime/conversions.cpp
   runtime/dates.cpp
   runtime/error.cpp
+  runtime/key_positions.cpp
   runtime/object.cpp
   runtime/property_bag.cpp
   runtime/rounding.cpp
