@@ -1,7 +1,6 @@
 // The saved properties of the query, its tables, fields and conditions, in document order.
 #include "querybuilder/definition_rows.h"
 
-#include <charconv>
 #include <optional>
 
 #include "runtime/conversions.h"
@@ -26,9 +25,11 @@ std::optional<std::int32_t> PlainWholeNumber(std::string_view text) {
   if (digits.empty() || digits.size() > 9 || (digits.size() > 1 && digits.front() == '0')) {
     return std::nullopt;
   }
-  std::int32_t value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
+  std::int32_t value = 0;  // nine digits always fit
+  for (const char c : digits) {
+    if (c < '0' || c > '9') return std::nullopt;
+    value = value * 10 + (c - '0');
+  }
   if (negative && value == 0) return std::nullopt;
   return negative ? -value : value;
 }

@@ -56,12 +56,15 @@ constexpr bool Is(char c, CharacterClass character_class) {
   return kClasses[static_cast<unsigned char>(c)] & character_class;
 }
 
-/// Whether `name` is the row name `row_name`, without measuring `row_name` first.
-bool SameName(std::string_view name, const char* row_name) {
-  for (const char c : name) {
-    if (*row_name++ != c) return false;
-  }
-  return *row_name == '\0';
+/// The row names of `rows` as views, made once per class.
+template <class T>
+const std::vector<std::string_view>& RowNames(const std::vector<Row<T>>& rows) {
+  static const std::vector<std::string_view> names = [&rows] {
+    std::vector<std::string_view> views;
+    for (const Row<T>& row : rows) views.emplace_back(row.name);
+    return views;
+  }();
+  return names;
 }
 
 /// How the objects of one class own those of the next: the count element and the child elements
@@ -178,7 +181,7 @@ template <class T>
 class RowFiller {
  public:
   RowFiller(T& object, const std::vector<Row<T>>& rows)
-      : object_(object), rows_(rows), initial_values_(InitialValues(rows)) {
+      : object_(object), rows_(rows), names_(RowNames(rows)), initial_values_(InitialValues(rows)) {
     static_assert(sizeof(seen_) * 8 >= 48, "every row has its bit");
     if (rows.size() > sizeof(seen_) * 8) Irregular();
   }
@@ -197,6 +200,9 @@ class RowFiller {
     return true;
   }
 
+  /// The name of the row a saved object writes next; empty after the last row.
+  std::string_view Expected() const { return next_ < names_.size() ? names_[next_] : ""; }
+
   /// Gives the rows after the last one taken the value of a new object.
   void Finish() {
     for (; next_ < rows_.size(); ++next_) SetInitial(next_);
@@ -204,9 +210,9 @@ class RowFiller {
 
  private:
   std::size_t Find(std::string_view name) const {
-    if (next_ < rows_.size() && SameName(name, rows_[next_].name)) return next_;
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-      if (SameName(name, rows_[i].name)) return i;
+    if (next_ < names_.size() && name == names_[next_]) return next_;
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      if (name == names_[i]) return i;
     }
     return rows_.size();
   }
@@ -229,6 +235,7 @@ class RowFiller {
 
   T& object_;
   const std::vector<Row<T>>& rows_;
+  const std::vector<std::string_view>& names_;
   const std::vector<Variant>& initial_values_;
   std::size_t next_ = 0;
   std::uint64_t seen_ = 0;
@@ -306,6 +313,19 @@ class DefinitionTextReader {
     return at_ + found;
   }
 
+  /// The name at the position: `expected` when it stands there, read as a name otherwise. A
+  /// saved document names its elements in a known order, so the guess spares a scan.
+  std::string_view TakeName(std::string_view expected) {
+    const std::size_t size = expected.size();
+    if (size != 0 && static_cast<std::size_t>(end_ - at_) > size &&
+        std::memcmp(at_, expected.data(), size) == 0 && !Is(at_[size], kNameChar)) {
+      const std::string_view name(at_, size);
+      at_ += size;
+      return name;
+    }
+    return Name();
+  }
+
   /// An ASCII name; any other name ends the pass.
   std::string_view Name() {
     const char* start = at_;
@@ -327,8 +347,8 @@ class DefinitionTextReader {
 
   /// The tag after its "<": a name and at most two attributes (more are left to the general
   /// reading, which checks that names do not repeat).
-  void ReadStartTag(StartTag& tag) {
-    tag.name = Name();
+  void ReadStartTag(StartTag& tag, std::string_view expected = {}) {
+    tag.name = TakeName(expected);
     tag.attribute_count = 0;
     tag.closed = false;
     if (Take('>')) return;
@@ -357,14 +377,18 @@ class DefinitionTextReader {
 
   /// Reads the end tag of `name` after its "</".
   void ReadEndTag(std::string_view name) {
-    if (!Take(name)) Irregular();
+    if (static_cast<std::size_t>(end_ - at_) < name.size() ||
+        std::memcmp(at_, name.data(), name.size()) != 0) {
+      Irregular();
+    }
+    at_ += name.size();
     SkipSpace();
     Expect('>');
   }
 
   /// Reads the next child element's start tag into `child` and returns true, or reads the end
   /// tag of `parent` and returns false. Only white space may stand between the children.
-  bool NextChild(const StartTag& parent, StartTag& child) {
+  bool NextChild(const StartTag& parent, StartTag& child, std::string_view expected = {}) {
     if (parent.closed) return false;
     SkipSpace();
     Expect('<');
@@ -372,7 +396,7 @@ class DefinitionTextReader {
       ReadEndTag(parent.name);
       return false;
     }
-    ReadStartTag(child);
+    ReadStartTag(child, expected);
     return true;
   }
 
@@ -468,7 +492,12 @@ class DefinitionTextReader {
     std::optional<PropertyValue> count;
     std::string count_text;
     StartTag child;
-    while (NextChild(tag, child)) {
+    // A saved object writes its rows, its count, then its children.
+    auto expected = [&] {
+      const std::string_view row = filler.Expected();
+      return !row.empty() ? row : count ? shape.type : shape.count_name;
+    };
+    while (NextChild(tag, child, expected())) {
       if (child.name == shape.type) {
         CheckNumber(child, shape.prefix, children.size() + 1);
         LoadBudget::TakeObjects(1);
@@ -528,7 +557,7 @@ class DefinitionTextReader {
   void ReadObject(xqb_Condition& condition, const StartTag& tag) {
     RowFiller<xqb_Condition> filler(condition, ConditionRows());
     StartTag child;
-    while (NextChild(tag, child)) {
+    while (NextChild(tag, child, filler.Expected())) {
       const PropertyValue value = ReadValue(child);
       if (!filler.Take(child.name, value) && child.name == "PropertyBag") Irregular();
     }
