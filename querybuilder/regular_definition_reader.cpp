@@ -56,6 +56,21 @@ constexpr bool Is(char c, CharacterClass character_class) {
   return kClasses[static_cast<unsigned char>(c)] & character_class;
 }
 
+/// Whether the `size` bytes at `a` and `b` are the same, compared eight at a time in place (the
+/// names compared are short, and a call to memcmp costs more than they do).
+inline bool SameBytes(const char* a, const char* b, std::size_t size) {
+  for (; size >= 8; a += 8, b += 8, size -= 8) {
+    std::uint64_t x, y;
+    std::memcpy(&x, a, 8);
+    std::memcpy(&y, b, 8);
+    if (x != y) return false;
+  }
+  for (; size > 0; --size) {
+    if (*a++ != *b++) return false;
+  }
+  return true;
+}
+
 /// The row names of `rows` as views, made once per class.
 template <class T>
 const std::vector<std::string_view>& RowNames(const std::vector<Row<T>>& rows) {
@@ -89,6 +104,7 @@ struct Attribute {
 /// A start tag: its name, its first two attributes, and whether it closes itself.
 struct StartTag {
   std::string_view name;
+  bool expected = false;  // the name is the one the reader expected
   std::array<Attribute, 2> attributes{};
   std::size_t attribute_count = 0;
   bool closed = false;
@@ -186,9 +202,10 @@ class RowFiller {
     if (rows.size() > sizeof(seen_) * 8) Irregular();
   }
 
-  /// Takes the element `name` with `value` when it is a row; false when it is none.
-  bool Take(std::string_view name, const PropertyValue& value) {
-    const std::size_t row = Find(name);
+  /// Takes the element `name` with `value` when it is a row; false when it is none. `is_expected`:
+  /// the name is known to be `Expected()`.
+  bool Take(std::string_view name, const PropertyValue& value, bool is_expected) {
+    const std::size_t row = is_expected && next_ < names_.size() ? next_ : Find(name);
     if (row == rows_.size()) return false;
     const std::uint64_t bit = std::uint64_t{1} << row;
     if (seen_ & bit) return true;
@@ -313,19 +330,6 @@ class DefinitionTextReader {
     return at_ + found;
   }
 
-  /// The name at the position: `expected` when it stands there, read as a name otherwise. A
-  /// saved document names its elements in a known order, so the guess spares a scan.
-  std::string_view TakeName(std::string_view expected) {
-    const std::size_t size = expected.size();
-    if (size != 0 && static_cast<std::size_t>(end_ - at_) > size &&
-        std::memcmp(at_, expected.data(), size) == 0 && !Is(at_[size], kNameChar)) {
-      const std::string_view name(at_, size);
-      at_ += size;
-      return name;
-    }
-    return Name();
-  }
-
   /// An ASCII name; any other name ends the pass.
   std::string_view Name() {
     const char* start = at_;
@@ -348,7 +352,17 @@ class DefinitionTextReader {
   /// The tag after its "<": a name and at most two attributes (more are left to the general
   /// reading, which checks that names do not repeat).
   void ReadStartTag(StartTag& tag, std::string_view expected = {}) {
-    tag.name = TakeName(expected);
+    // A saved document names its elements in a known order: trying the expected name first
+    // spares scanning the name and looking it up.
+    const std::size_t size = expected.size();
+    tag.expected = size != 0 && static_cast<std::size_t>(end_ - at_) > size &&
+                   SameBytes(at_, expected.data(), size) && !Is(at_[size], kNameChar);
+    if (tag.expected) {
+      tag.name = {at_, size};
+      at_ += size;
+    } else {
+      tag.name = Name();
+    }
     tag.attribute_count = 0;
     tag.closed = false;
     if (Take('>')) return;
@@ -378,7 +392,7 @@ class DefinitionTextReader {
   /// Reads the end tag of `name` after its "</".
   void ReadEndTag(std::string_view name) {
     if (static_cast<std::size_t>(end_ - at_) < name.size() ||
-        std::memcmp(at_, name.data(), name.size()) != 0) {
+        !SameBytes(at_, name.data(), name.size())) {
       Irregular();
     }
     at_ += name.size();
@@ -506,7 +520,7 @@ class DefinitionTextReader {
         continue;
       }
       const PropertyValue value = ReadValue(child);
-      if (filler.Take(child.name, value)) continue;
+      if (filler.Take(child.name, value, child.expected)) continue;
       if (child.name == shape.count_name) {
         if (!count) {
           count = value;
@@ -559,7 +573,9 @@ class DefinitionTextReader {
     StartTag child;
     while (NextChild(tag, child, filler.Expected())) {
       const PropertyValue value = ReadValue(child);
-      if (!filler.Take(child.name, value) && child.name == "PropertyBag") Irregular();
+      if (!filler.Take(child.name, value, child.expected) && child.name == "PropertyBag") {
+        Irregular();
+      }
     }
     filler.Finish();
   }
