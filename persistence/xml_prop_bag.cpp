@@ -230,7 +230,9 @@ template <class Parent>
 void WriteValue(XmlTextWriter* stream, Parent parent, std::string_view name,
                 const ClassifiedValue& value, const Variant& original) {
   CheckElementName(name);
-  if (stream) {
+  if (stream && value.kind == ValueKind::kText) {
+    stream->TextElement(name, value.Text());  // most values: one step
+  } else if (stream) {
     WriteValueElement(*stream, name, value, original);
   } else {
     DomElementSink sink(parent());
@@ -287,6 +289,11 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
 }
 
 void XMLPropBag::WriteText(std::string_view PropertyName, std::string_view text) {
+  if (state_->stream_ && TextKind(text) == ValueKind::kText) {
+    CheckElementName(PropertyName);
+    state_->stream_->TextElement(PropertyName, text);
+    return;
+  }
   WriteValue(
       state_->stream_, [this] { return CurrentParent(); }, PropertyName, BorrowedText(text),
       Variant());
@@ -449,11 +456,13 @@ void XMLPropBag::SaveState(IXMLPropBag* RootObject, std::string_view sName) {
   RootObject->WriteProperties(*this);
 }
 
-std::string XMLPropBag::SaveStateText(IXMLPropBag& RootObject, std::string_view sName) {
+std::string XMLPropBag::SaveStateText(IXMLPropBag& RootObject, std::string_view sName,
+                                      std::size_t expected_size) {
   const std::string type = RootObject.TypeName();
   CheckElementName(type);
   CheckStorable(sName);
   std::string text;
+  text.reserve(expected_size);
   XmlTextWriter writer(text);
   writer.StartElement("PropertyBag");
   writer.StartElement(type);

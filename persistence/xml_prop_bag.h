@@ -75,8 +75,10 @@ class XMLPropBag : public Object {
 
   /// The text that `Contents` gives after `SaveState(&RootObject, sName)` on a new bag, written
   /// straight from the objects without building a document. The objects may only write
-  /// properties: a read from the bag while it writes raises 91.
-  static std::string SaveStateText(IXMLPropBag& RootObject, std::string_view sName = {});
+  /// properties: a read from the bag while it writes raises 91. `expected_size` reserves room
+  /// for the text up front: a large text then grows without being copied.
+  static std::string SaveStateText(IXMLPropBag& RootObject, std::string_view sName = {},
+                                   std::size_t expected_size = 0);
 
   /// Positions the bag on the first saved element of `RootObject`'s class (and `sName`, when
   /// not empty) and lets the object read its properties; does nothing when there is none or

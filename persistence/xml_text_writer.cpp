@@ -187,6 +187,21 @@ void XmlTextWriter::CData(std::string_view text) {
   AppendCData(out_, text);
 }
 
+void XmlTextWriter::TextElement(std::string_view name, std::string_view text) {
+  CloseStartTag();
+  out_ += '<';
+  out_ += name;
+  if (text.empty()) {
+    out_ += "/>";
+    return;
+  }
+  out_ += '>';
+  AppendText(out_, text);
+  out_ += "</";
+  out_ += name;
+  out_ += '>';
+}
+
 void XmlTextWriter::EndElement() {
   if (start_tag_open_) {
     out_ += "/>";

@@ -21,6 +21,9 @@ class XmlTextWriter {
   void Attribute(std::string_view name, std::string_view value);
   void Text(std::string_view text);
   void CData(std::string_view text);
+  /// A whole element holding `text` (or none, written `<name/>`), inside the open element: what
+  /// StartElement, Text and EndElement write, in one step.
+  void TextElement(std::string_view name, std::string_view text);
   /// Ends the innermost open element; a top-level element is followed by CR LF.
   void EndElement();
   /// How many elements are open.

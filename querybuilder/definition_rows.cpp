@@ -1,6 +1,7 @@
 // The saved properties of the query, its tables, fields and conditions, in document order.
 #include "querybuilder/definition_rows.h"
 
+#include <charconv>
 #include <optional>
 
 #include "runtime/conversions.h"
@@ -10,7 +11,8 @@ namespace {
 
 // The string forms CStr gives a whole number and a Boolean.
 std::string_view NumberText(std::int32_t value, std::string& scratch) {
-  scratch = std::to_string(value);
+  char digits[16];
+  scratch.assign(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
   return scratch;
 }
 

@@ -32,6 +32,17 @@ const std::vector<Row<xqb_Table>>& TableRows();
 const std::vector<Row<xqb_Field>>& FieldRows();
 const std::vector<Row<xqb_Condition>>& ConditionRows();
 
+/// The row names of `rows` as views, measured once per class.
+template <class T>
+const std::vector<std::string_view>& RowNames(const std::vector<Row<T>>& rows) {
+  static const std::vector<std::string_view> names = [&rows] {
+    std::vector<std::string_view> views;
+    for (const Row<T>& row : rows) views.emplace_back(row.name);
+    return views;
+  }();
+  return names;
+}
+
 /// The value of each row on a new object: a missing element leaves the property there, so older
 /// documents that lack a property still load.
 template <class T>

@@ -71,17 +71,6 @@ inline bool SameBytes(const char* a, const char* b, std::size_t size) {
   return true;
 }
 
-/// The row names of `rows` as views, made once per class.
-template <class T>
-const std::vector<std::string_view>& RowNames(const std::vector<Row<T>>& rows) {
-  static const std::vector<std::string_view> names = [&rows] {
-    std::vector<std::string_view> views;
-    for (const Row<T>& row : rows) views.emplace_back(row.name);
-    return views;
-  }();
-  return names;
-}
-
 /// How the objects of one class own those of the next: the count element and the child elements
 /// (class and name prefix; child n is named prefix + n).
 struct ChildShape {

@@ -229,9 +229,27 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
   }
 }
 
+namespace {
+
+/// About what a saved definition takes: the markup of each object with short values. Room the
+/// text does not use is never touched, so erring large costs no memory in use.
+std::size_t ExpectedDefinitionSize(const xqb_Query& query) {
+  constexpr std::size_t kQuery = 1024, kTable = 256, kField = 1536, kCondition = 256;
+  std::size_t size = kQuery;
+  for (const auto& table : *query.Tables()) {
+    size += kTable;
+    for (const auto& field : *table->Fields()) {
+      size += kField + kCondition * static_cast<std::size_t>(field->Conditions()->Count());
+    }
+  }
+  return size;
+}
+
+}  // namespace
+
 std::string xqb_Query::SaveXMLDef() {
   try {
-    return XMLPropBag::SaveStateText(*this, QueryName());
+    return XMLPropBag::SaveStateText(*this, QueryName(), ExpectedDefinitionSize(*this));
   } catch (const Error& trapped) {
     Raise(kErrSaveXMLDef, kSaveSource, TrappedDescription(kSaveMessage, "", trapped));
   } catch (const std::bad_alloc&) {
