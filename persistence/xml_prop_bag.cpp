@@ -16,7 +16,6 @@
 namespace brix {
 namespace {
 
-
 /// How a value is written, decided in this order: Empty, Null, objects, error values, numbers,
 /// dates, text, byte arrays.
 enum class ValueKind { kObject, kEmpty, kNull, kNothing, kBytes, kText, kMarkup, kInvalid };
@@ -288,15 +287,24 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
       state_->stream_, [this] { return CurrentParent(); }, PropertyName, value, PropertyValue);
 }
 
+ElementName::ElementName(std::string_view name) : name_(name) { CheckElementName(name); }
+
 void XMLPropBag::WriteText(std::string_view PropertyName, std::string_view text) {
   if (state_->stream_ && TextKind(text) == ValueKind::kText) {
-    CheckElementName(PropertyName);
-    state_->stream_->TextElement(PropertyName, text);
+    state_->stream_->TextElement(ElementName(PropertyName).View(), text);
     return;
   }
   WriteValue(
       state_->stream_, [this] { return CurrentParent(); }, PropertyName, BorrowedText(text),
       Variant());
+}
+
+void XMLPropBag::WriteText(const ElementName& PropertyName, std::string_view text) {
+  if (state_->stream_ && TextKind(text) == ValueKind::kText) {
+    state_->stream_->TextElement(PropertyName.View(), text);
+  } else {
+    WriteText(PropertyName.View(), text);
+  }
 }
 
 // A persistable object becomes an element named by its class with the property name as its

@@ -19,6 +19,18 @@ namespace brix {
 class SharedDocument;
 struct PathSelection;
 
+/// A valid element name, checked when it is made; raises kErrXMLDomFailure (0x80004005) under
+/// the bag's source, "'name' is not a valid element name.", for any other text. The viewed text
+/// must outlive it.
+class ElementName {
+ public:
+  explicit ElementName(std::string_view name);
+  std::string_view View() const { return name_; }
+
+ private:
+  std::string_view name_;
+};
+
 /// The XML property bag. A document holds a "PropertyBag" element with one element per saved
 /// root object (named by its `TypeName()`, attribute "name" = the instance name when given);
 /// under an object element, one element per property in writing order, and one element per
@@ -54,6 +66,8 @@ class XMLPropBag : public Object {
   /// Writes `text` exactly as `WriteProperty(PropertyName, Variant(text))` does, without making
   /// a variant; for writers that hold plain text.
   void WriteText(std::string_view PropertyName, std::string_view text);
+  /// The same with a name checked beforehand, for writers that write the same names many times.
+  void WriteText(const ElementName& PropertyName, std::string_view text);
 
   /// With a persistable object as `DefaultValue`: fills that object in place from the first
   /// element in the document at this bag's path with the object's class and "name" =

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "persistence/xml_prop_bag.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
 #include "querybuilder/xqb_query.h"
@@ -32,13 +33,13 @@ const std::vector<Row<xqb_Table>>& TableRows();
 const std::vector<Row<xqb_Field>>& FieldRows();
 const std::vector<Row<xqb_Condition>>& ConditionRows();
 
-/// The row names of `rows` as views, measured once per class.
+/// The row names of `rows` as element names, measured and checked once per class.
 template <class T>
-const std::vector<std::string_view>& RowNames(const std::vector<Row<T>>& rows) {
-  static const std::vector<std::string_view> names = [&rows] {
-    std::vector<std::string_view> views;
-    for (const Row<T>& row : rows) views.emplace_back(row.name);
-    return views;
+const std::vector<ElementName>& RowNames(const std::vector<Row<T>>& rows) {
+  static const std::vector<ElementName> names = [&rows] {
+    std::vector<ElementName> checked;
+    for (const Row<T>& row : rows) checked.emplace_back(row.name);
+    return checked;
   }();
   return names;
 }

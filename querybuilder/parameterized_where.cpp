@@ -54,7 +54,7 @@ class BoundWriter {
 
   void Like(std::string& out, bool negated, bool contains, const ClauseOperand& operand) {
     std::string text = operand.kind == ClauseOperand::Kind::kStored ? ConcatText(*operand.value)
-                                                                   : Parameter(operand).text;
+                                                                    : Parameter(operand).text;
     out += LikeOperator(options_.dialect, negated);
     Bind(out, {SqlType::kText, (contains ? "%" : "") + EscapeLikePattern(text) + "%"});
     out += kLikeEscapeClause;
@@ -102,8 +102,7 @@ class BoundWriter {
 }  // namespace
 
 ParameterizedStatement ReturnParameterizedWHERE(const xqb_Query& query,
-                                                const StatementOptions& options,
-                                                bool simple_fields,
+                                                const StatementOptions& options, bool simple_fields,
                                                 std::shared_ptr<xqb_Table> tabela,
                                                 bool with_join_conditions) {
   BoundWriter writer(options, simple_fields);

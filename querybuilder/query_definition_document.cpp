@@ -13,13 +13,13 @@ namespace {
 
 template <class T>
 void WriteRows(const std::vector<Row<T>>& rows, const T& object, XMLPropBag& bag) {
-  const std::vector<std::string_view>& names = RowNames(rows);
+  const std::vector<ElementName>& names = RowNames(rows);
   std::string scratch;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (rows[i].text) {
       bag.WriteText(names[i], rows[i].text(object, scratch));
     } else {
-      bag.WriteProperty(names[i], rows[i].get(object));
+      bag.WriteProperty(names[i].View(), rows[i].get(object));
     }
   }
 }

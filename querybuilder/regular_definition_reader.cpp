@@ -207,7 +207,9 @@ class RowFiller {
   }
 
   /// The name of the row a saved object writes next; empty after the last row.
-  std::string_view Expected() const { return next_ < names_.size() ? names_[next_] : ""; }
+  std::string_view Expected() const {
+    return next_ < names_.size() ? names_[next_].View() : std::string_view();
+  }
 
   /// Gives the rows after the last one taken the value of a new object.
   void Finish() {
@@ -216,9 +218,9 @@ class RowFiller {
 
  private:
   std::size_t Find(std::string_view name) const {
-    if (next_ < names_.size() && name == names_[next_]) return next_;
+    if (next_ < names_.size() && name == names_[next_].View()) return next_;
     for (std::size_t i = 0; i < names_.size(); ++i) {
-      if (name == names_[i]) return i;
+      if (name == names_[i].View()) return i;
     }
     return rows_.size();
   }
@@ -241,7 +243,7 @@ class RowFiller {
 
   T& object_;
   const std::vector<Row<T>>& rows_;
-  const std::vector<std::string_view>& names_;
+  const std::vector<ElementName>& names_;
   const std::vector<Variant>& initial_values_;
   std::size_t next_ = 0;
   std::uint64_t seen_ = 0;

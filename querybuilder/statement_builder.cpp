@@ -136,8 +136,7 @@ std::string QuotedStatementNames::SortItem(const xqb_Table& table, const xqb_Fie
   return QuotedField(table, field);
 }
 
-std::string QuotedStatementNames::GroupItem(const xqb_Table& table,
-                                            const xqb_Field& field) const {
+std::string QuotedStatementNames::GroupItem(const xqb_Table& table, const xqb_Field& field) const {
   return QuotedField(table, field);
 }
 

@@ -81,8 +81,7 @@ std::pair<ClauseOperand, ClauseOperand> RangeOperands(const xqb_Field& field,
   return {DayOperand(range.first), DayOperand(range.last)};
 }
 
-ClauseOperand SingleOperand(const xqb_Field& field, const xqb_Condition& condition,
-                            double today) {
+ClauseOperand SingleOperand(const xqb_Field& field, const xqb_Condition& condition, double today) {
   qbe_ClauseOperator kind = condition.Clause();
   if (kind >= qbe_ClauseTimeNow && kind <= qbe_ClauseTimeLessThanNow) {
     return {ClauseOperand::Kind::kTimeOfDay, nullptr, Now()};

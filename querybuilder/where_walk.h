@@ -34,12 +34,10 @@ struct ClauseOperand {
 /// The operands of a range kind (1, 15, 16, 18, 21 to 24, 28): the stored pair on a field that
 /// is not a Date, else the first and last day of the range from `today` and the clock.
 std::pair<ClauseOperand, ClauseOperand> RangeOperands(const xqb_Field& field,
-                                                      const xqb_Condition& condition,
-                                                      double today);
+                                                      const xqb_Condition& condition, double today);
 
 /// The operand of a single-value kind.
-ClauseOperand SingleOperand(const xqb_Field& field, const xqb_Condition& condition,
-                            double today);
+ClauseOperand SingleOperand(const xqb_Field& field, const xqb_Condition& condition, double today);
 
 /// Writes the text after the field expression for one condition. The writer provides:
 /// `Value(out, operand, before, after)` (a value, with LIKE wildcards around it),
