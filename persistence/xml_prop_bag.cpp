@@ -287,7 +287,10 @@ void XMLPropBag::WriteProperty(std::string_view PropertyName, const Variant& Pro
       state_->stream_, [this] { return CurrentParent(); }, PropertyName, value, PropertyValue);
 }
 
-ElementName::ElementName(std::string_view name) : name_(name) { CheckElementName(name); }
+ElementName::ElementName(std::string_view name) : size_(name.size()) {
+  CheckElementName(name);
+  tags_.append("<").append(name).append("></").append(name).append(">");
+}
 
 void XMLPropBag::WriteText(std::string_view PropertyName, std::string_view text) {
   if (state_->stream_ && TextKind(text) == ValueKind::kText) {
@@ -301,7 +304,7 @@ void XMLPropBag::WriteText(std::string_view PropertyName, std::string_view text)
 
 void XMLPropBag::WriteText(const ElementName& PropertyName, std::string_view text) {
   if (state_->stream_ && TextKind(text) == ValueKind::kText) {
-    state_->stream_->TextElement(PropertyName.View(), text);
+    state_->stream_->TextElement(PropertyName.StartTag(), text, PropertyName.EndTag());
   } else {
     WriteText(PropertyName.View(), text);
   }

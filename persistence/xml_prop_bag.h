@@ -20,15 +20,19 @@ class SharedDocument;
 struct PathSelection;
 
 /// A valid element name, checked when it is made; raises kErrXMLDomFailure (0x80004005) under
-/// the bag's source, "'name' is not a valid element name.", for any other text. The viewed text
-/// must outlive it.
+/// the bag's source, "'name' is not a valid element name.", for any other text. It keeps its
+/// start and end tags written out, for writers that write the same names many times.
 class ElementName {
  public:
   explicit ElementName(std::string_view name);
-  std::string_view View() const { return name_; }
+  std::string_view View() const { return std::string_view(tags_).substr(1, size_); }
+  /// "<name>" and "</name>".
+  std::string_view StartTag() const { return std::string_view(tags_).substr(0, size_ + 2); }
+  std::string_view EndTag() const { return std::string_view(tags_).substr(size_ + 2); }
 
  private:
-  std::string_view name_;
+  std::string tags_;  // "<name></name>"
+  std::size_t size_;
 };
 
 /// The XML property bag. A document holds a "PropertyBag" element with one element per saved

@@ -104,17 +104,20 @@ void AppendCData(std::string& out, std::string_view content) {
 }
 
 void AppendAttributeValue(std::string& out, std::string_view value) {
-  for (const char ch : value) {
-    const unsigned char c = static_cast<unsigned char>(ch);
+  std::size_t start = 0;  // characters are copied in runs between those replaced
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    const unsigned char c = static_cast<unsigned char>(value[i]);
+    if (c >= 0x20 && c != '"' && c != '&' && c != '<' && c != '>') continue;
+    out.append(value, start, i - start);
+    start = i + 1;
     if (AppendMarkupEntity(out, c)) continue;
     if (c == '"') {
       out += "&quot;";
-    } else if (c < 0x20) {
-      AppendReference(out, c);
     } else {
-      out += ch;
+      AppendReference(out, c);
     }
   }
+  out.append(value, start, value.size() - start);
 }
 
 /// Writes the elements of a document in document order with the DOM's own walk, which keeps the
@@ -200,6 +203,18 @@ void XmlTextWriter::TextElement(std::string_view name, std::string_view text) {
   out_ += "</";
   out_ += name;
   out_ += '>';
+}
+
+void XmlTextWriter::TextElement(std::string_view start_tag, std::string_view text,
+                                std::string_view end_tag) {
+  CloseStartTag();
+  if (text.empty()) {
+    out_.append(start_tag.substr(0, start_tag.size() - 1)).append("/>");
+    return;
+  }
+  out_ += start_tag;
+  AppendText(out_, text);
+  out_ += end_tag;
 }
 
 void XmlTextWriter::EndElement() {

@@ -24,6 +24,8 @@ class XmlTextWriter {
   /// A whole element holding `text` (or none, written `<name/>`), inside the open element: what
   /// StartElement, Text and EndElement write, in one step.
   void TextElement(std::string_view name, std::string_view text);
+  /// The same for an element whose tags are written out: "<name>" and "</name>".
+  void TextElement(std::string_view start_tag, std::string_view text, std::string_view end_tag);
   /// Ends the innermost open element; a top-level element is followed by CR LF.
   void EndElement();
   /// How many elements are open.
