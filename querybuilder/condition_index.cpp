@@ -127,20 +127,33 @@ void ConditionIndex::Clear() {
   irregular_ = 0;
 }
 
-// Doubles the table for the conditions it holds; removed slots are dropped on the way.
+void ConditionIndex::Reserve(std::size_t count) {
+  std::size_t slot_count = 16;
+  while (slot_count < count * 2) slot_count *= 2;
+  if (slot_count > slots_.size()) Resize(slot_count);
+}
+
+// Doubles the table for the conditions it holds.
 void ConditionIndex::Grow() {
   std::size_t held = 0;
   for (const Slot& slot : slots_) held += slot.condition && slot.condition != kRemoved;
-  std::vector<Slot> old =
-      std::exchange(slots_, std::vector<Slot>(std::max<std::size_t>(16, held * 4)));
+  std::size_t slot_count = 16;
+  while (slot_count < held * 4) slot_count *= 2;
+  Resize(slot_count);
+}
+
+// Moves the held conditions into a table of `slot_count` slots; removed slots are dropped.
+void ConditionIndex::Resize(std::size_t slot_count) {
+  std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slot_count));
   const std::size_t mask = slots_.size() - 1;
+  used_ = 0;
   for (const Slot& slot : old) {
     if (!slot.condition || slot.condition == kRemoved) continue;
     std::size_t at = slot.hash & mask;
     while (slots_[at].condition) at = (at + 1) & mask;
     slots_[at] = slot;
+    ++used_;
   }
-  used_ = held;
 }
 
 bool ConditionIndex::Contains(const KeyView& key) const {

@@ -30,6 +30,8 @@ class ConditionIndex {
   void Insert(const xqb_Condition& condition);
   void Erase(const xqb_Condition& condition);
   void Clear();
+  /// Makes room for `count` conditions in all.
+  void Reserve(std::size_t count);
 
   /// Whether a condition has `clause`, a `Value` equal to `value` and a `SecondaryValue` equal to
   /// `value`; `std::nullopt` when `value` or a held operand is irregular and only the exact scan
@@ -70,6 +72,7 @@ class ConditionIndex {
 
   bool Contains(const KeyView& key) const;
   void Grow();
+  void Resize(std::size_t slot_count);
 
   std::vector<Slot> slots_;  // a power of two in size, at most half used
   std::size_t used_ = 0;     // slots that are not empty, removed ones included

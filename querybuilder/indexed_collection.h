@@ -65,6 +65,9 @@ class IndexedCollection : public Object {
   /// Removes by position or key, with the errors of `Item`.
   void Remove(const Variant& index_key);
 
+  /// Makes room for `count` objects in all: a hint for a caller about to add them.
+  void Reserve(std::int32_t count);
+
   /// Releases every object; the collection starts again empty.
   void Clear();
 

@@ -27,6 +27,13 @@ void IndexedCollection<T, Index>::Remove(const Variant& index_key) {
 }
 
 template <class T, class Index>
+void IndexedCollection<T, Index>::Reserve(std::int32_t count) {
+  if (count <= 0) return;
+  items_.Reserve(static_cast<std::size_t>(count));
+  index_->Reserve(static_cast<std::size_t>(count));
+}
+
+template <class T, class Index>
 void IndexedCollection<T, Index>::Clear() {
   ReleaseAll();
   items_.Clear();

@@ -18,6 +18,7 @@ class NameIndex {
     if (it != counts_.end() && --it->second == 0) counts_.erase(it);
   }
   void Clear() { counts_.clear(); }
+  void Reserve(std::size_t count) { counts_.reserve(count); }
   bool Contains(std::string_view name) const { return counts_.contains(std::string(name)); }
 
  private:

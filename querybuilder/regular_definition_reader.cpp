@@ -4,6 +4,7 @@
 // reads the document the general way.
 #include "querybuilder/regular_definition_reader.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -526,6 +527,8 @@ class DefinitionTextReader {
     auto collection = Collection::Create();
     (owner.*set_collection)(collection);
     const std::int32_t number = count ? CLng(count->AsVariant()) : 0;
+    // Room for the children read; a count may claim more than the document holds.
+    collection->Reserve(std::min(number, static_cast<std::int32_t>(children.size())));
     for (std::int32_t n = 1; n <= number; ++n) {
       if (static_cast<std::size_t>(n) <= children.size()) {
         ((*collection).*add)(std::move(children[n - 1]));

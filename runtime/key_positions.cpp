@@ -24,10 +24,18 @@ std::size_t KeyPositions::Find(std::size_t hash, std::string_view folded_key,
   return kNone;
 }
 
+void KeyPositions::Reserve(std::size_t count) {
+  std::size_t slot_count = 16;
+  while (slot_count < count * 2) slot_count *= 2;
+  if (slot_count > slots_.size()) Resize(slot_count);
+}
+
 void KeyPositions::ReserveOneMore() {
-  if ((used_ + 1) * 2 <= slots_.size()) return;
-  std::vector<Slot> old =
-      std::exchange(slots_, std::vector<Slot>(std::max<std::size_t>(16, slots_.size() * 2)));
+  if ((used_ + 1) * 2 > slots_.size()) Resize(std::max<std::size_t>(16, slots_.size() * 2));
+}
+
+void KeyPositions::Resize(std::size_t slot_count) {
+  std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slot_count));
   for (const Slot& slot : old) {
     if (slot.position != kNone) Place(slot);
   }

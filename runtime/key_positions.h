@@ -20,6 +20,9 @@ class KeyPositions {
   /// The position whose key in `keys` is `folded_key` (hashed `hash`), or `kNone`.
   std::size_t Find(std::size_t hash, std::string_view folded_key, const Keys& keys) const;
 
+  /// Makes room for `count` keys in all.
+  void Reserve(std::size_t count);
+
   /// Makes room for one more key, so that the next `Add` cannot fail.
   void ReserveOneMore();
 
@@ -38,6 +41,7 @@ class KeyPositions {
     std::size_t position = kNone;  // kNone: empty
   };
   void Place(const Slot& slot);
+  void Resize(std::size_t slot_count);
 
   std::vector<Slot> slots_;  // a power of two in size, at most half used
   std::size_t used_ = 0;

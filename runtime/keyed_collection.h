@@ -49,6 +49,13 @@ class KeyedCollection {
     if (key) positions_.Add(hash, items_.size() - 1);
   }
 
+  /// Makes room for `count` items in all, so that adding them moves nothing.
+  void Reserve(std::size_t count) {
+    items_.reserve(count);
+    keys_.reserve(count);
+    positions_.Reserve(count);
+  }
+
   const T& Item(const Variant& index) const { return items_[IndexOf(index)]; }
   const T& ItemAt(std::int32_t position) const { return items_[IndexOfPosition(position)]; }
   const T& ItemByKey(std::string_view key) const { return items_[IndexOfKey(key)]; }
