@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "runtime/conversions.h"
+#include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
 #include "tests/support/value_object.h"
 
@@ -352,15 +353,15 @@ TEST(XMLPropBag, ReadsTheSameWhenLoadedForReading) {
       "<Holder><P><![CDATA[x]]>tail</P></Holder>",
       "<Holder><P>lead<Q>inner</Q>tail<R><S>deep</S></R></P></Holder>",
       "<Holder><P vartype=\"NULL\">ignored</P></Holder>",
-      "<Holder><P xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" dt:dt=\"bin.base64\">QUJD</P></Holder>",
+      "<Holder><P xmlns:dt=\"urn:schemas-microsoft-com:datatypes\" "
+      "dt:dt=\"bin.base64\">QUJD</P></Holder>",
       "<Holder>top<P>x</P>end</Holder>",
   };
   for (const std::string& document : documents) {
     std::string read[2], contents[2];
     for (int mode = 0; mode < 2; ++mode) {
-      Scripted holder("Holder", {}, [&](XMLPropBag& bag) {
-        read[mode] = Describe(bag.ReadProperty("P"));
-      });
+      Scripted holder("Holder", {},
+                      [&](XMLPropBag& bag) { read[mode] = Describe(bag.ReadProperty("P")); });
       auto bag = XMLPropBag::Create();
       mode == 0 ? bag->SetContents(InBag(document)) : bag->SetContentsForReading(InBag(document));
       bag->RestoreState(&holder);
@@ -369,6 +370,26 @@ TEST(XMLPropBag, ReadsTheSameWhenLoadedForReading) {
     EXPECT_EQ(read[1], read[0]) << document;
     EXPECT_EQ(contents[1], contents[0]) << document;
   }
+}
+
+TEST(XMLPropBag, WritesTextStraightUnderNamesCheckedOnceOrEachTime) {
+  const ElementName name("ț.G-1");
+  EXPECT_EQ(std::string(name.StartTag()) + "|" + std::string(name.EndTag()), "<ț.G-1>|</ț.G-1>");
+  Scripted writer("A", [&](XMLPropBag& b) {
+    b.WriteText(name, "x<y");  // markup goes in a CDATA section
+    b.WriteText(name, "");
+    b.WriteText("P", " a&b\n");
+  });
+  EXPECT_EQ(XMLPropBag::SaveStateText(writer),
+            "<PropertyBag><A><ț.G-1><![CDATA[x<y]]></ț.G-1><ț.G-1/><P> a&amp;b\r\n</P></A>"
+            "</PropertyBag>\r\n");
+  EXPECT_TRUE(test_support::RaisesError([] { ElementName("a:b"); }, kErrXMLDomFailure,
+                                        "brixobjects4.kelpXMLPBag",
+                                        "'a:b' is not a valid element name."));
+  Scripted badly_named("A", [](XMLPropBag& b) { b.WriteText("1x", "v"); });
+  EXPECT_TRUE(test_support::RaisesError([&] { XMLPropBag::SaveStateText(badly_named); },
+                                        kErrXMLDomFailure, "brixobjects4.kelpXMLPBag",
+                                        "'1x' is not a valid element name."));
 }
 
 }  // namespace

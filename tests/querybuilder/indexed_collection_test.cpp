@@ -100,7 +100,7 @@ TEST(IndexedCollection, ConditionExistsAgreesWithAScanAfterEveryChange) {
     };
     auto conditions = xqb_Conditions::Create();
     std::int32_t next_id = 1;
-    for (int step = 0; step < 60; ++step) {
+    for (int step = 0; step < 150; ++step) {
       const auto clause = static_cast<qbe_ClauseOperator>(1 + pick(3));
       const Variant& value = values[pick(values.size())];
       auto any = [&] {

@@ -72,7 +72,7 @@ TEST(KeyedCollection, KeysIgnoreLetterCaseAndStayInStepWithPositions) {
   c.Add("e", "KeyA");  // a removed key can be used again
   EXPECT_EQ(Joined(c), "cde");
   c.Clear();
-  c.Add("x", "KeyC");  // Clear forgets the keys too
+  c.Add("x", "KeyC");          // Clear forgets the keys too
   c.Add("comma", "Ștefan");    // comma below
   c.Add("cedilla", "Ştefan");  // cedilla: another letter
   c.Add("blank", "");
@@ -81,6 +81,26 @@ TEST(KeyedCollection, KeysIgnoreLetterCaseAndStayInStepWithPositions) {
   }
   EXPECT_EQ(c.ItemByKey("ştefan"), "cedilla");
   EXPECT_EQ(c.Item(Variant("")), "blank");
+}
+
+TEST(KeyedCollection, ManyKeysStayFindableThroughGrowthRemovalsAndReserve) {
+  KeyedCollection<int> c;
+  c.Reserve(10);  // a hint below what comes: the table still grows
+  for (int i = 0; i < 300; ++i) c.Add(i, "Key" + std::to_string(i));
+  for (int i = 0; i < 300; i += 3) c.Remove(Variant("KEY" + std::to_string(i)));
+  ASSERT_EQ(c.Count(), 200);
+  for (int i = 0; i < 300; ++i) {
+    const int* found = c.FindKey("key" + std::to_string(i));
+    if (i % 3 == 0) {
+      EXPECT_EQ(found, nullptr) << i;
+    } else {
+      ASSERT_NE(found, nullptr) << i;
+      EXPECT_EQ(*found, i);
+    }
+  }
+  EXPECT_EQ(c.ItemAt(1), 1);  // positions close up behind removals
+  EXPECT_EQ(c.ItemAt(200), 299);
+  EXPECT_TRUE(RaisesRuntimeError([&] { c.Add(0, "KEY299"); }, 457));
 }
 
 }  // namespace
