@@ -85,7 +85,7 @@ Row<T> Boolean(const char* name, bool (T::*get)() const, void (T::*set)(bool)) {
 template <class T>
 Row<T> Value(const char* name, const Variant& (T::*get)() const, void (T::*set)(const Variant&)) {
   return {name, [get](const T& o) { return (o.*get)(); },
-          [set](T& o, const Variant& v) { (o.*set)(v); }};
+          [set](T& o, const Variant& v) { (o.*set)(v); }, nullptr, nullptr, get};
 }
 
 // An empty saved clause list means "the defaults of the field's type", rebuilt on reading.

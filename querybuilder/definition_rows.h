@@ -26,6 +26,7 @@ struct Row {
   std::function<void(T&, const Variant&)> set;  // empty: written but never read
   std::function<std::string_view(const T&, std::string& scratch)> text = nullptr;
   std::function<void(T&, std::string_view)> set_text = nullptr;  // empty: through `set`
+  const Variant& (T::*held)() const = nullptr;  // a property held as a variant, read in place
 };
 
 const std::vector<Row<xqb_Query>>& QueryRows();

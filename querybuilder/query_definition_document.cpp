@@ -16,10 +16,18 @@ void WriteRows(const std::vector<Row<T>>& rows, const T& object, XMLPropBag& bag
   const std::vector<ElementName>& names = RowNames(rows);
   std::string scratch;
   for (std::size_t i = 0; i < rows.size(); ++i) {
-    if (rows[i].text) {
-      bag.WriteText(names[i], rows[i].text(object, scratch));
+    const Row<T>& row = rows[i];
+    if (row.text) {
+      bag.WriteText(names[i], row.text(object, scratch));
+    } else if (row.held) {
+      const Variant& value = (object.*row.held)();
+      if (value.IsString()) {
+        bag.WriteText(names[i], value.AsString());  // as a text variant is written
+      } else {
+        bag.WriteProperty(names[i].View(), value);
+      }
     } else {
-      bag.WriteProperty(names[i].View(), rows[i].get(object));
+      bag.WriteProperty(names[i].View(), row.get(object));
     }
   }
 }
