@@ -219,7 +219,6 @@ class RowFiller {
 
  private:
   std::size_t Find(std::string_view name) const {
-    if (next_ < names_.size() && name == names_[next_].View()) return next_;
     for (std::size_t i = 0; i < names_.size(); ++i) {
       if (name == names_[i].View()) return i;
     }
@@ -290,9 +289,9 @@ class DefinitionTextReader {
   }
 
   bool Take(std::string_view text) {
-    if (static_cast<std::size_t>(end_ - at_) < text.size()) return false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      if (at_[i] != text[i]) return false;
+    if (static_cast<std::size_t>(end_ - at_) < text.size() ||
+        !SameBytes(at_, text.data(), text.size())) {
+      return false;
     }
     at_ += text.size();
     return true;
@@ -495,8 +494,7 @@ class DefinitionTextReader {
                  void (Collection::*add)(std::shared_ptr<Child>)) {
     RowFiller<T> filler(owner, rows);
     std::vector<std::shared_ptr<Child>> children;
-    std::optional<PropertyValue> count;
-    std::string count_text;
+    std::optional<std::int32_t> count;
     StartTag child;
     // A saved object writes its rows, its count, then its children.
     auto expected = [&] {
@@ -514,11 +512,7 @@ class DefinitionTextReader {
       const PropertyValue value = ReadValue(child);
       if (filler.Take(child.name, value, child.expected)) continue;
       if (child.name == shape.count_name) {
-        if (!count) {
-          count = value;
-          count_text.assign(value.text);
-          count->text = count_text;
-        }
+        if (!count) count = CLng(value.AsVariant());
       } else if (child.name == "PropertyBag") {
         Irregular();
       }
@@ -526,7 +520,7 @@ class DefinitionTextReader {
     filler.Finish();
     auto collection = Collection::Create();
     (owner.*set_collection)(collection);
-    const std::int32_t number = count ? CLng(count->AsVariant()) : 0;
+    const std::int32_t number = count.value_or(0);
     // Room for the children read; a count may claim more than the document holds.
     collection->Reserve(std::min(number, static_cast<std::int32_t>(children.size())));
     for (std::int32_t n = 1; n <= number; ++n) {

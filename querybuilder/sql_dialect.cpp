@@ -18,7 +18,7 @@ namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
 
-// The parts of a stored name: split at dots outside brackets, brackets kept.
+// The pieces of a stored name: split at dots outside brackets, brackets kept.
 std::vector<std::string_view> NameParts(std::string_view name) {
   std::vector<std::string_view> parts;
   bool in_brackets = false;
