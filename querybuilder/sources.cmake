@@ -6,6 +6,7 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/load_limits.h
   querybuilder/named_collection.h
   querybuilder/parameterized_statement.h
+  querybuilder/query_validator.h
   querybuilder/tree_walk.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
@@ -39,6 +40,7 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/parameterized_where.cpp
   querybuilder/parameterized_where.h
   querybuilder/query_definition_document.cpp
+  querybuilder/query_validator.cpp
   querybuilder/parameter_expander.h
   querybuilder/regular_definition_reader.cpp
   querybuilder/sql_dialect.cpp

@@ -8,6 +8,7 @@
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/condition_describer.h"
+#include "querybuilder/definition_rows.h"
 #include "querybuilder/full_text_renderer.h"
 #include "querybuilder/load_budget.h"
 #include "querybuilder/parameter_expander.h"
@@ -213,9 +214,7 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
     }
     DefinitionMembers() = before->DefinitionMembers();  // undoes what the direct reading set
     const LoadBudget budget(load_limits_);
-    auto bag = XMLPropBag::Create();
-    bag->SetContentsForReading(XMLDef);
-    bag->RestoreState(this);
+    ReadDefinitionThroughBag(XMLDef, *this);
   } catch (const Error& trapped) {
     Raise(kErrLoadXMLDef, kLoadSource, TrappedDescription(kLoadMessage, "", trapped));
   } catch (const std::bad_alloc&) {

@@ -6,10 +6,12 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <vector>
 
 #include "persistence/ixml_prop_bag.h"
 #include "querybuilder/load_limits.h"
 #include "querybuilder/parameterized_statement.h"
+#include "querybuilder/query_validator.h"
 #include "querybuilder/xqb_definitions.h"
 #include "querybuilder/xqb_fields.h"
 #include "querybuilder/xqb_tables.h"
@@ -156,6 +158,27 @@ class xqb_Query : public IXMLPropBag {
   /// `table` in this query, without looking it up by its ID.
   std::string DescribeCondition(const xqb_Table& table, const xqb_Field& field,
                                 const xqb_Condition& condition) const;
+
+  /// What would make the statement fail or mean something other than the definition says, one
+  /// problem per finding, in tree order; reads the tree and changes nothing (the texts the query
+  /// renders stay as they are, problems or not). Reported:
+  /// - a `Clause` outside 1..32, or one that its field does not offer (neither listed by
+  ///   `ReturnAvailableClauses` nor in its available-clause list);
+  /// - a field in the statement, not calculated, whose `Alias` is empty (the statement writes
+  ///   "AS" with nothing after it);
+  /// - an operand that is no value of its field's `DBType` (text on a Numeric field, a text
+  ///   that is no date on a Date field, Null where a value is compared), or a count that is no
+  ///   number (last X days and the like); parameter and full-text conditions are not read;
+  /// - an IN list that does not read as "(item, item ...)" of numbers and quoted texts, or
+  ///   whose items are no values of the field's type;
+  /// - a `ConditionID` used by an earlier condition of the query (look-ups find the first);
+  /// - a `LinksWithField` that reads as a name but names no field ("table.field" or "field",
+  ///   letter case and brackets aside); link text that is SQL is the host's and not read.
+  std::vector<QueryProblem> Validate() const;
+
+  /// The distinct non-empty `ParamName`s of the conditions, in tree order; `AddParamValues`
+  /// compares them exactly, letter case included.
+  std::vector<std::string> ParameterNames() const;
 
   /// The library's version, "Major.Minor.Revision".
   std::string GetVersion() const;
