@@ -469,5 +469,24 @@ TEST(Brixq, ExplainsEachCommand) {
   EXPECT_NE(names.out.find("17\tqbe_ClauseInList\tin lista: ___\n"), std::string::npos);
 }
 
+// The text of the first block fenced as ````kind` after `from` in `text`.
+std::string FencedBlock(const std::string& text, const std::string& kind, std::size_t from = 0) {
+  const std::string fence = "```" + kind + "\n";
+  std::size_t start = text.find(fence, from);
+  if (start == std::string::npos) return {};
+  start += fence.size();
+  return text.substr(start, text.find("```", start) - start);
+}
+
+TEST(Brixq, LoadsTheDocumentedExampleAsDocumented) {
+  const std::string doc = ReadFile(BRIX_DOCS_DIR "/definition_format.md");
+  const std::string example = FencedBlock(doc, "xml");
+  const std::string statement = FencedBlock(doc, "text", doc.find(example));
+  ASSERT_FALSE(example.empty());
+  EXPECT_EQ(RunBrixq({"sql", "-"}, example).out, statement);
+  Outcome check = RunBrixq({"check", "-"}, example);
+  EXPECT_EQ(check.status, 0) << check.out;
+}
+
 }  // namespace
 }  // namespace brix
