@@ -5,7 +5,6 @@
 
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/definition_rows.h"
-#include "querybuilder/load_budget.h"
 #include "runtime/conversions.h"
 
 namespace brix {
@@ -38,7 +37,6 @@ void ReadRows(const std::vector<Row<T>>& rows, T& object, XMLPropBag& bag) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (!rows[i].set) continue;
     const Variant value = bag.ReadProperty(rows[i].name, initial_values[i]);
-    if (value.IsString()) LoadBudget::CheckValue(value.AsString());
     rows[i].set(object, value);
   }
 }
@@ -61,7 +59,6 @@ void ReadChildren(Collection& children, void (Collection::*add)(std::shared_ptr<
                   const char* count_name, const std::string& prefix, XMLPropBag& bag) {
   std::int32_t count = CLng(bag.ReadProperty(count_name, Variant(0)));
   for (std::int32_t n = 1; n <= count; ++n) {
-    LoadBudget::TakeObjects(1);
     std::shared_ptr<Child> child = Child::Create();
     bag.ReadProperty(prefix + std::to_string(n), Variant(child));
     (children.*add)(std::move(child));

@@ -9,7 +9,6 @@
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/condition_describer.h"
 #include "querybuilder/full_text_renderer.h"
-#include "querybuilder/load_budget.h"
 #include "querybuilder/parameter_expander.h"
 #include "querybuilder/parameterized_where.h"
 #include "querybuilder/regular_definition_reader.h"
@@ -207,13 +206,11 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
     before.reset(new xqb_Query());
     before->DefinitionMembers() = DefinitionMembers();
     kept = true;
-    {
-      const LoadBudget budget(load_limits_);
-      if (ReadRegularDefinition(XMLDef, *this)) return;
-    }
+    XMLReadBudget budget(load_limits_);
+    if (ReadRegularDefinition(XMLDef, *this, budget)) return;
     DefinitionMembers() = before->DefinitionMembers();  // undoes what the direct reading set
-    const LoadBudget budget(load_limits_);
     auto bag = XMLPropBag::Create();
+    bag->SetLoadLimits(load_limits_);
     bag->SetContentsForReading(XMLDef);
     bag->RestoreState(this);
   } catch (const Error& trapped) {

@@ -58,7 +58,8 @@ Outcome ThroughLoad(const std::string& text) {
 
 bool ReadsDirectly(const std::string& text) {
   auto query = xqb_Query::Create();
-  return ReadRegularDefinition(text, *query);
+  XMLReadBudget budget;
+  return ReadRegularDefinition(text, *query, budget);
 }
 
 struct Edit {
