@@ -387,6 +387,8 @@ class DefinitionTextReader {
       attribute.value = {at_, static_cast<std::size_t>(close - at_)};
       if (attribute.value.find('<') != std::string_view::npos) Irregular();
       at_ = close + 1;
+      // A repeated name makes the document malformed: the general reading refuses it.
+      if (tag.attribute_count == 2 && tag.attributes[0].name == attribute.name) Irregular();
     }
   }
 
