@@ -6,6 +6,7 @@
 #include "persistence/bin_base64.h"
 #include "persistence/shared_xml_document.h"
 #include "persistence/xml_prop_bag_errors.h"
+#include "persistence/xml_read_budget.h"
 #include "persistence/xml_text_reader.h"
 #include "persistence/xml_text_writer.h"
 #include "persistence/xml_tree_walk.h"
@@ -262,6 +263,9 @@ struct XMLPropBag::State {
   pugi::xml_node listed_parent_;
   pugi::xml_node unlisted_child_;
   std::uint64_t listed_version_ = 0;
+  // The bounds of a read: a root bag's own, which nested bags share while it reads.
+  XMLReadBudget own_budget_;
+  XMLReadBudget* budget_ = &own_budget_;
 };
 
 XMLPropBag::XMLPropBag() : state_(std::make_unique<State>()) {}
@@ -357,8 +361,10 @@ Variant XMLPropBag::ReadObject(std::string_view PropertyName, IXMLPropBag& objec
   xpath.append("[@name = \"").append(PropertyName).append("\"]");
   const std::optional<PathSelection*> selection = SelectStep(type, PropertyName, xpath);
   pugi::xml_node element = SelectPath(xpath, selection);
+  state_->budget_->TakeObjects(1);  // a missing element still gives the caller's object
   if (element) {
     XMLPropBag nested;
+    nested.state_->budget_ = state_->budget_;
     nested.SetCurrentNode(state_->document_, element);
     nested.SetPath(std::move(xpath));
     nested.KeepSelection(selection);
@@ -390,7 +396,9 @@ pugi::xml_node XMLPropBag::SelectPath(const std::string& xpath,
 Variant XMLPropBag::ReadValue(std::string_view PropertyName, const Variant& DefaultValue) {
   pugi::xml_node element = SelectChild(PropertyName);
   if (!element) return DefaultValue;
-  return ElementValue(element);
+  Variant value = ElementValue(element);
+  if (value.IsString()) state_->budget_->CheckValue(value.AsString());
+  return value;
 }
 
 Variant XMLPropBag::ElementValue(pugi::xml_node element) {
@@ -494,8 +502,13 @@ void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
   if (!element) return;
   SetCurrentNode(state_->document_, element);
   KeepSelection(selection);
+  state_->own_budget_.Restart(state_->own_budget_.Limits());
   RootObject->ReadProperties(*this);
 }
+
+const XMLReadLimits& XMLPropBag::LoadLimits() const { return state_->own_budget_.Limits(); }
+
+void XMLPropBag::SetLoadLimits(const XMLReadLimits& value) { state_->own_budget_.Restart(value); }
 
 void XMLPropBag::DeleteObject(std::string_view sTypeName, std::string_view sName) {
   SetPath("//PropertyBag/" + std::string(sTypeName) + NameFilter(sName));

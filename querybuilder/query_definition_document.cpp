@@ -8,7 +8,6 @@
 
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/definition_rows.h"
-#include "querybuilder/load_budget.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 
@@ -106,7 +105,6 @@ void ReadRows(const std::vector<Row<T>>& rows, T& object, XMLPropBag& bag) {
   for (std::size_t i = 0; i < rows.size(); ++i) {
     if (!rows[i].set) continue;
     const Variant value = bag.ReadProperty(rows[i].name, initial_values[i]);
-    if (value.IsString()) LoadBudget::CheckValue(value.AsString());
     Converted(rows[i].name, value, [&](const Variant& v) {
       rows[i].set(object, v);
       return 0;
@@ -133,7 +131,6 @@ void ReadChildren(Collection& children, void (Collection::*add)(std::shared_ptr<
   const std::int32_t count = Converted(count_name, bag.ReadProperty(count_name, Variant(0)),
                                        [](const Variant& v) { return CLng(v); });
   for (std::int32_t n = 1; n <= count; ++n) {
-    LoadBudget::TakeObjects(1);
     std::shared_ptr<Child> child = Child::Create();
     const std::string name = prefix + std::to_string(n);
     const ObjectScope scope(name);
@@ -186,8 +183,10 @@ void xqb_Condition::ReadProperties(XMLPropBag& PropertyBag) {
   ReadRows(ConditionRows(), *this, PropertyBag);
 }
 
-void ReadDefinitionThroughBag(std::string_view xml_text, xqb_Query& query) {
+void ReadDefinitionThroughBag(std::string_view xml_text, xqb_Query& query,
+                              const XMLReadLimits& limits) {
   auto bag = XMLPropBag::Create();
+  bag->SetLoadLimits(limits);
   bag->SetContentsForReading(xml_text);
   ReadingPlace place{xml_text, bag.get(), {}};
   struct Leave {

@@ -31,8 +31,6 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.cpp
   querybuilder/indexed_collection_impl.h
-  querybuilder/load_budget.cpp
-  querybuilder/load_budget.h
   querybuilder/name_index.h
   querybuilder/operand_dates.cpp
   querybuilder/operand_dates.h

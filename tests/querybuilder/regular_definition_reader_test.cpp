@@ -58,7 +58,8 @@ Outcome ThroughLoad(const std::string& text) {
 
 bool ReadsDirectly(const std::string& text) {
   auto query = xqb_Query::Create();
-  return ReadRegularDefinition(text, *query);
+  XMLReadBudget budget;
+  return ReadRegularDefinition(text, *query, budget);
 }
 
 struct Edit {
@@ -126,6 +127,11 @@ const std::vector<Edit> kEdits = {
     {"a second attribute on a condition",
      {{"name=\"Condition1\"", "name=\"Condition1\" x=\"\""}},
      false},
+    {"a repeated attribute on the query",
+     {{"<xqb_Query name=", "<xqb_Query name='x' name="}},
+     false},
+    {"a repeated attribute on the bag", {{"<PropertyBag>", "<PropertyBag a='' a=''>"}}, false},
+    {"a repeated attribute on a value", {{"<Value>", "<Value vartype='' vartype=''>"}}, false},
     {"a marker written by reference", {{"<Value>", "<Value vartype=\"&#78;ull\">"}}, false},
     {"an end tag that does not match", {{"</Clause>", "</Claus>"}}, false},
     {"a document cut short", {{"</xqb_Query></PropertyBag>", "</xqb_Query>"}}, false},

@@ -69,7 +69,7 @@ const std::string kLegalFilter =
 // The parameterized filter of the orders on PostgreSQL, one line per parameter.
 const std::string kOrdersPostgresWhere =
     "(\"City\" IN ($1, $2)) AND (\"Order Day\" BETWEEN $3 AND $4) AND (\"Quantity\" >= $5) AND "
-    "(\"Status\" = $6 OR \"Status\" ILIKE $7 ESCAPE '\\')\n$1 text Cluj\n$2 text Iasi\n"
+    "(\"Status\" = $6 OR \"Status\" ILIKE $7 ESCAPE E'\\\\')\n$1 text Cluj\n$2 text Iasi\n"
     "$3 date 2024-03-01\n$4 date 2024-03-31\n$5 integer 2\n$6 text livrata\n$7 text in %\n";
 const std::string kTopRange = "--top needs a whole number from 0 to 2147483647, not ";
 const std::string kDateForm = "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not ";
