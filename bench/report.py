@@ -6,6 +6,7 @@ the peer's JSON (bench/peer), and the memory figures of brixq. Each figure is sh
 to the reference measured in that run.
 """
 import json
+import os
 import subprocess
 import sys
 from pathlib import Path
@@ -57,6 +58,7 @@ def size_table(title, rows, reference_label, target):
 
 def flatness_table(times):
     lines = ["### WHERE and SELECT across sizes", "",
+             "These WHERE figures are not those of the peer table above: there the filter of the peer's mix (String fields, equality, range, starts-with, contains, in-list and null tests, default arguments); here the filter the statement writes for the benchmark's mixed definition (String, Numeric and Date fields in turn, date ranges and relative kinds computed from `Today`, every tenth field linked to another table), with qualified names and the join equalities (`ReturnWHEREConditions(false, nullptr, true)`).", "",
              "| per condition | " + " | ".join(f"{s // 1000}k" for s in SIZES) + " | 100k / 1k |",
              "|---|" + "---|" * (len(SIZES) + 1)]
     for label, name in [("`ReturnWHEREConditions`", "BM_ReturnWHEREConditions"),
@@ -133,8 +135,10 @@ def main():
              "Written by `scripts/bench` from one run: every figure below was measured in that run, and "
              "each ratio is to a reference measured beside it. Medians of the repetitions, CPU time.",
              "",
-             f"Machine: {context.get('num_cpus')} CPUs at {context.get('mhz_per_cpu')} MHz, "
-             f"Release build, date {context.get('date')}.", ""]
+             f"Machine: {context.get('num_cpus')} CPUs at {context.get('mhz_per_cpu')} MHz "
+             f"({os.environ.get('BENCH_CPU', 'CPU not given')}), Release build with "
+             f"{os.environ.get('BENCH_COMPILER', 'an unnamed compiler')}, date {context.get('date')}.",
+             ""]
     lines += size_table("Loading (`LoadXMLDef`)",
                         [("`LoadXMLDef`", series("BM_LoadXMLDef")),
                          ("raw pugixml parse of the same text", series("BM_RawPugixmlParse"))],
