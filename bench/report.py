@@ -97,15 +97,23 @@ def append_table(times):
     return [line.replace("per condition", "per append") for line in lines]
 
 
-def plot(times, out_png, data_file):
+def plot(times, out_png, data_file, peer_values):
+    """Our lines solid, the references they are measured against dashed beside them."""
     series = [("LoadXMLDef", "BM_LoadXMLDef"), ("SaveXMLDef", "BM_SaveXMLDef"),
-              ("ReturnWHEREConditions", "BM_ReturnWHEREConditions"), ("ReturnSQL", "BM_ReturnSQL")]
+              ("ReturnWHEREConditions", "BM_ReturnWHEREConditions"), ("ReturnSQL", "BM_ReturnSQL"),
+              ("raw pugixml parse", "BM_RawPugixmlParse"), ("raw pugixml print", "BM_RawPugixmlSave")]
+    references = {"raw pugixml parse", "raw pugixml print"}
     with open(data_file, "w") as out:
-        for size in SIZES:
+        for index, size in enumerate(SIZES):
             values = [per_condition_ns(times, name, size) for _, name in series]
+            values.append(peer_values[index])
             out.write(f"{size} " + " ".join("NaN" if v is None else f"{v:.3f}" for v in values) + "\n")
-    plots = ", ".join(f"'{data_file}' using 1:{i + 2} with linespoints lw 2 title '{label}'"
-                      for i, (label, _) in enumerate(series))
+    labels = [label for label, _ in series] + ["peer formatQuery (WHERE)"]
+    references.add("peer formatQuery (WHERE)")
+    plots = ", ".join(
+        f"'{data_file}' using 1:{i + 2} with linespoints lw 2 "
+        f"{'dt 2 ' if label in references else ''}title '{label}'"
+        for i, label in enumerate(labels))
     script = f"""set terminal pngcairo size 900,560 font 'DejaVu Sans,11'
 set output '{out_png}'
 set title 'Cost per condition against definition size (median of repetitions)'
@@ -169,7 +177,7 @@ def main():
               "", "Target: under 6x the document's size.", "",
               "### Cost per condition against size", "", "![cost per condition](performance.png)", ""]
     Path(out_md).write_text("\n".join(lines))
-    plot(times, out_png, data_file)
+    plot(times, out_png, data_file, peer_values)
 
 
 if __name__ == "__main__":
