@@ -40,6 +40,7 @@ enum CharacterClass : std::uint8_t {
   kNameChar = 4,
   kDecoded = 8,   // changed by the parser in character data: "&" and CR
   kBracket = 16,  // "]", which may begin a "]]>" that text must not hold
+  kInValue = 32,  // "<" and "&", which an attribute value may not hold as they stand
 };
 
 constexpr std::array<std::uint8_t, 256> kClasses = [] {
@@ -53,6 +54,8 @@ constexpr std::array<std::uint8_t, 256> kClasses = [] {
   classes['&'] |= kDecoded;
   classes['\r'] |= kDecoded;
   classes[']'] |= kBracket;
+  classes['<'] |= kInValue;
+  classes['&'] |= kInValue;
   return classes;
 }();
 
@@ -397,6 +400,9 @@ class DefinitionTextReader {
   /// Values hold no "<", and only references XML defines (the reader uses none of them as
   /// text: those it reads hold none).
   static void CheckAttributeValue(std::string_view value) {
+    std::uint8_t any_classes = 0;  // one pass over the short value instead of two searches
+    for (const char c : value) any_classes |= kClasses[static_cast<unsigned char>(c)];
+    if (!(any_classes & kInValue)) return;
     if (value.find('<') != std::string_view::npos) Irregular();
     for (std::size_t amp = value.find('&'); amp != std::string_view::npos;
          amp = value.find('&', amp + 1)) {
