@@ -22,6 +22,8 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/record_row.h
   persistence/shared_xml_document.cpp
   persistence/shared_xml_document.h
+  persistence/xml_markup_check.cpp
+  persistence/xml_markup_check.h
   persistence/xml_path_index.cpp
   persistence/xml_path_index.h
   persistence/xml_prop_bag.cpp

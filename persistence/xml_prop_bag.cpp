@@ -48,16 +48,28 @@ std::shared_ptr<IXMLPropBag> PersistableObject(const Variant& value) {
   RaiseXMLPropBagError(kErrXMLDomFailure, std::move(description));
 }
 
-[[noreturn]] void RaiseUnstorable() {
-  RaiseDomError("Text that holds the character U+0000 cannot be stored in an XML document.");
+[[noreturn]] void RaiseUnstorable(const char* character = "U+0000") {
+  RaiseDomError(std::string("Text that holds the character ") + character +
+                " cannot be stored in an XML document.");
+}
+
+/// U+FFFE and U+FFFF (EF BF BE, EF BF BF) are no XML characters, raw or as references: a
+/// document holding one would not load again.
+void CheckNonCharacter(std::string_view text, std::size_t at) {
+  if (at + 2 < text.size() && text[at + 1] == '\xBF' &&
+      (static_cast<unsigned char>(text[at + 2]) & 0xFE) == 0xBE) {
+    RaiseUnstorable(text[at + 2] == '\xBE' ? "U+FFFE" : "U+FFFF");
+  }
 }
 
 /// Text goes into a CDATA section when it holds "<" or ">". The document keeps NUL-terminated
 /// strings, so a U+0000 would silently cut the text: it is refused in the same pass.
 ValueKind TextKind(std::string_view text) {
   bool markup = false;
-  for (const char c : text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
     if (c == '\0') RaiseUnstorable();
+    if (c == '\xEF') CheckNonCharacter(text, i);
     markup |= c == '<' || c == '>';
   }
   return markup ? ValueKind::kMarkup : ValueKind::kText;

@@ -23,12 +23,22 @@ class XMLReadBudget {
     objects_ = 0;
   }
 
-  /// Counts `count` more objects (none when not positive).
-  void TakeObjects(std::int64_t count);
+  /// Counts `count` more objects (none when not positive). Inline: a load calls it per object.
+  void TakeObjects(std::int64_t count) {
+    if (count <= 0) return;
+    // Compared before adding: a claimed count near the type's limit must not wrap.
+    if (count > limits_.MaxObjects - objects_) RaiseTooManyObjects();
+    objects_ += count;
+  }
   /// Raises when `text` is longer than a property may be.
-  void CheckValue(std::string_view text) const;
+  void CheckValue(std::string_view text) const {
+    if (static_cast<std::int64_t>(text.size()) > limits_.MaxValueLength) RaiseTooLong(text.size());
+  }
 
  private:
+  [[noreturn]] void RaiseTooManyObjects() const;
+  [[noreturn]] void RaiseTooLong(std::size_t size) const;
+
   XMLReadLimits limits_;
   std::int64_t objects_ = 0;
 };

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "persistence/bin_base64.h"
+#include "persistence/xml_markup_check.h"
 #include "persistence/xml_text_decoder.h"
 #include "querybuilder/definition_rows.h"
 #include "runtime/conversions.h"
@@ -37,7 +38,9 @@ enum CharacterClass : std::uint8_t {
   kSpace = 1,
   kNameStart = 2,
   kNameChar = 4,
-  kDecoded = 8,  // changed by the parser in character data: "&" and CR
+  kDecoded = 8,   // changed by the parser in character data: "&" and CR
+  kBracket = 16,  // "]", which may begin a "]]>" that text must not hold
+  kInValue = 32,  // "<" and "&", which an attribute value may not hold as they stand
 };
 
 constexpr std::array<std::uint8_t, 256> kClasses = [] {
@@ -50,6 +53,9 @@ constexpr std::array<std::uint8_t, 256> kClasses = [] {
   }
   classes['&'] |= kDecoded;
   classes['\r'] |= kDecoded;
+  classes[']'] |= kBracket;
+  classes['<'] |= kInValue;
+  classes['&'] |= kInValue;
   return classes;
 }();
 
@@ -266,9 +272,9 @@ class DefinitionTextReader {
 
   void ReadDocument(xqb_Query& query) {
     Take("\xEF\xBB\xBF");
+    if (Take("<?xml")) SkipDeclaration();  // the parser drops it
     SkipSpace();
-    while (Take("<?")) SkipProcessingInstruction();  // the declaration: the parser drops it
-    Expect('<');
+    Expect('<');  // other processing instructions are left to the general reading
     StartTag bag;
     ReadStartTag(bag);
     if (bag.name != "PropertyBag" || bag.closed) Irregular();
@@ -341,13 +347,12 @@ class DefinitionTextReader {
     return {start, static_cast<std::size_t>(at - start)};
   }
 
-  void SkipProcessingInstruction() {
-    Name();
-    if (!Take("?>")) {
-      if (at_ == end_ || !Is(*at_, kSpace)) Irregular();
-      at_ = Find("?>") + 2;
-    }
+  /// The XML declaration after its "<?xml": only at the very start, beginning with the version.
+  void SkipDeclaration() {
+    if (at_ == end_ || !Is(*at_, kSpace)) Irregular();
     SkipSpace();
+    if (!Take("version")) Irregular();
+    at_ = Find("?>") + 2;
   }
 
   /// The tag after its "<": a name and at most two attributes (more are left to the general
@@ -385,10 +390,27 @@ class DefinitionTextReader {
       const char quote = *at_++;
       const char* close = Find(quote);
       attribute.value = {at_, static_cast<std::size_t>(close - at_)};
-      if (attribute.value.find('<') != std::string_view::npos) Irregular();
+      CheckAttributeValue(attribute.value);
       at_ = close + 1;
       // A repeated name makes the document malformed: the general reading refuses it.
       if (tag.attribute_count == 2 && tag.attributes[0].name == attribute.name) Irregular();
+    }
+  }
+
+  /// Values hold no "<", and only references XML defines (the reader uses none of them as
+  /// text: those it reads hold none).
+  static void CheckAttributeValue(std::string_view value) {
+    std::uint8_t any_classes = 0;  // one pass over the short value instead of two searches
+    for (const char c : value) any_classes |= kClasses[static_cast<unsigned char>(c)];
+    if (!(any_classes & kInValue)) return;
+    if (value.find('<') != std::string_view::npos) Irregular();
+    for (std::size_t amp = value.find('&'); amp != std::string_view::npos;
+         amp = value.find('&', amp + 1)) {
+      const std::size_t semicolon = value.find(';', amp);
+      if (semicolon == std::string_view::npos ||
+          !IsDefinedReference(value.substr(amp + 1, semicolon - amp - 1))) {
+        Irregular();
+      }
     }
   }
 
@@ -472,6 +494,11 @@ class DefinitionTextReader {
         any_classes |= classes;
       }
       if (at == end_) Irregular();
+      if ((any_classes & kBracket) &&
+          std::string_view(start, static_cast<std::size_t>(at - start)).find("]]>") !=
+              std::string_view::npos) {
+        Irregular();  // not XML: the general reading refuses it
+      }
       if (!(all_classes & kSpace)) {
         add({start, static_cast<std::size_t>(at - start)}, true, !(any_classes & kDecoded));
       }
