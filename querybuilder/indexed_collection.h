@@ -6,6 +6,8 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 #include "runtime/keyed_collection.h"
 #include "runtime/object.h"
@@ -13,26 +15,65 @@
 
 namespace brix {
 
+class IndexedItem;
+
 template <class T, class Index>
 class IndexedCollection;
 
-/// A model object that collections index by some of its values. Every setter of such a value
-/// calls `KeyChanged()`; while the object is held by a collection that moves the process-wide
-/// index revision, and every collection rebuilds its index before its next lookup. An object
-/// filled in before it is added moves nothing.
-class IndexedItem : public virtual Object {
+/// What holds indexed objects: told around each change of a value its index reads. Both calls
+/// leave the index current or marked for a rebuild; neither throws.
+class ItemHolder {
  public:
-  /// The current index revision (shared by all threads).
-  static std::uint64_t IndexRevision();
+  /// `item` is about to change a value the index reads.
+  virtual void Unindex(const IndexedItem& item) noexcept = 0;
+  /// `item` changed it.
+  virtual void Reindex(const IndexedItem& item) noexcept = 0;
 
  protected:
-  void KeyChanged() const;
+  ~ItemHolder() = default;
+};
+
+/// A model object that collections index by some of its values. It knows the collections that
+/// hold it (by plain pointers: they hold it, it never owns them), and a setter of an indexed value
+/// goes through `ChangeKey`, so that exactly those collections move it in their indexes.
+class IndexedItem : public virtual Object {
+ protected:
+  IndexedItem() = default;
+
+  /// Runs `assign`, which changes an indexed value and cannot throw, with the object out of its
+  /// holders' indexes: one removal and one insertion in each.
+  template <class Assign>
+  void ChangeKey(Assign&& assign) {
+    static_assert(std::is_nothrow_invocable_v<Assign&>);
+    if (!holder_) {
+      assign();
+      return;
+    }
+    ForEachHolder([this](ItemHolder& holder) { holder.Unindex(*this); });
+    assign();
+    ForEachHolder([this](ItemHolder& holder) { holder.Reindex(*this); });
+  }
 
  private:
   template <class T, class Index>
   friend class IndexedCollection;
 
-  mutable std::int32_t holders_ = 0;
+  /// Records one more holding by `holder` (an object may be held several times, by several
+  /// collections or under several keys of one).
+  void AddHolder(ItemHolder* holder);
+  /// Forgets one holding by `holder`.
+  void RemoveHolder(ItemHolder* holder) noexcept;
+
+  template <class Visit>
+  void ForEachHolder(Visit&& visit) {
+    visit(*holder_);
+    if (more_holders_) {
+      for (ItemHolder* holder : *more_holders_) visit(*holder);
+    }
+  }
+
+  ItemHolder* holder_ = nullptr;  // the first holding; most objects have no other
+  std::unique_ptr<std::vector<ItemHolder*>> more_holders_;
 };
 
 /// Call when an existence or duplicate search over `count` positions found nothing. Those
@@ -42,10 +83,11 @@ void CheckSearchCounter(std::int32_t count);
 
 /// Base of the model's collections: a `KeyedCollection` of `std::shared_ptr<T>` with the
 /// collection's own errors (9 bad position, 5 unknown key, 457 used key), plus an `Index` over the
-/// held objects. `Index` offers `Insert(const T&)`, `Erase(const T&)` and `Clear()`; it follows
-/// every add and remove while fresh and is rebuilt when a held object changed a key value.
+/// held objects. `Index` offers `Insert(const T&)`, `Erase(const T&)`, `Reserve` and `Clear()`; it
+/// follows every add, remove and key change of a held object. Should the index run out of memory
+/// while following, it is rebuilt before its next use.
 template <class T, class Index>
-class IndexedCollection : public Object {
+class IndexedCollection : public Object, private ItemHolder {
  public:
   using const_iterator = typename KeyedCollection<std::shared_ptr<T>>::const_iterator;
 
@@ -84,12 +126,13 @@ class IndexedCollection : public Object {
   const Index& CurrentIndex();
 
  private:
-  bool IsFresh() const { return seen_revision_ == IndexedItem::IndexRevision(); }
-  void ReleaseAll();
+  void Unindex(const IndexedItem& item) noexcept override;
+  void Reindex(const IndexedItem& item) noexcept override;
+  void ReleaseAll() noexcept;
 
   KeyedCollection<std::shared_ptr<T>> items_;
   std::unique_ptr<Index> index_;  // private to the library: its type is only declared here
-  std::uint64_t seen_revision_ = IndexedItem::IndexRevision();
+  bool stale_ = false;            // the index missed a change and is rebuilt before its next use
 };
 
 }  // namespace brix

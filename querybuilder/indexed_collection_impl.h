@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -20,10 +21,9 @@ IndexedCollection<T, Index>::~IndexedCollection() {
 template <class T, class Index>
 void IndexedCollection<T, Index>::Remove(const Variant& index_key) {
   std::shared_ptr<T> removed = items_.Item(index_key);
-  bool fresh = IsFresh();
   items_.Remove(index_key);
-  --removed->holders_;
-  if (fresh) index_->Erase(*removed);
+  removed->RemoveHolder(this);
+  Unindex(*removed);
 }
 
 template <class T, class Index>
@@ -38,32 +38,56 @@ void IndexedCollection<T, Index>::Clear() {
   ReleaseAll();
   items_.Clear();
   index_->Clear();
-  seen_revision_ = IndexedItem::IndexRevision();
+  stale_ = false;
 }
 
 template <class T, class Index>
 void IndexedCollection<T, Index>::AddItem(std::shared_ptr<T> item,
                                           std::optional<std::string_view> key) {
-  const T& added = *item;
-  bool fresh = IsFresh();
-  items_.Add(std::move(item), key);
-  ++added.holders_;
-  if (fresh) index_->Insert(added);
+  T& added = *item;
+  added.AddHolder(this);
+  try {
+    items_.Add(std::move(item), key);
+  } catch (...) {
+    added.RemoveHolder(this);
+    throw;
+  }
+  Reindex(added);
 }
 
 template <class T, class Index>
 const Index& IndexedCollection<T, Index>::CurrentIndex() {
-  if (!IsFresh()) {
+  if (stale_) {
     index_->Clear();
     for (const auto& item : items_) index_->Insert(*item);
-    seen_revision_ = IndexedItem::IndexRevision();
+    stale_ = false;
   }
   return *index_;
 }
 
 template <class T, class Index>
-void IndexedCollection<T, Index>::ReleaseAll() {
-  for (const auto& item : items_) --item->holders_;
+void IndexedCollection<T, Index>::Unindex(const IndexedItem& item) noexcept {
+  if (stale_) return;
+  try {
+    index_->Erase(static_cast<const T&>(item));
+  } catch (const std::bad_alloc&) {
+    stale_ = true;
+  }
+}
+
+template <class T, class Index>
+void IndexedCollection<T, Index>::Reindex(const IndexedItem& item) noexcept {
+  if (stale_) return;
+  try {
+    index_->Insert(static_cast<const T&>(item));
+  } catch (const std::bad_alloc&) {
+    stale_ = true;
+  }
+}
+
+template <class T, class Index>
+void IndexedCollection<T, Index>::ReleaseAll() noexcept {
+  for (const auto& item : items_) item->RemoveHolder(this);
 }
 
 }  // namespace brix
