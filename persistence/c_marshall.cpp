@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <new>
 
-#include "persistence/cls_qsom_dm.h"
-#include "persistence/cls_user.h"
 #include "persistence/keyed_compression.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
@@ -15,13 +13,6 @@ namespace brix {
 namespace {
 
 constexpr std::string_view kValueTypeSuffix = "ValueType";
-
-// Envelopes carry the records: they are readable wherever envelopes are read.
-const bool kRecordsRegistered = [] {
-  RegisterPersistableClass("clsUser", [] { return clsUser::Create(); });
-  RegisterPersistableClass("clsQSOM_DM", [] { return clsQSOM_DM::Create(); });
-  return true;
-}();
 
 std::string Source(std::string_view operation) {
   return "[QuillMarshall].[" + std::string(operation) + "]";
