@@ -5,6 +5,7 @@
 #include <new>
 
 #include "persistence/keyed_compression.h"
+#include "persistence/record_row.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -57,6 +58,7 @@ Variant ReadByTypeCode(const PropertyBag& bag, const std::string& name, std::int
 }  // namespace
 
 cMarshall::cMarshall() {
+  RegisterRecordClasses();  // envelopes carry the records
   try {
     bag_ = PropertyBag::Create();
   } catch (const std::bad_alloc&) {

@@ -54,6 +54,8 @@ const clsQSOM_DM::Row* clsQSOM_DM::Rows(std::size_t& count) {
   return rows.data();
 }
 
+clsQSOM_DM::clsQSOM_DM() { RegisterRecordClasses(); }
+
 std::shared_ptr<clsQSOM_DM> clsQSOM_DM::Create() {
   return std::shared_ptr<clsQSOM_DM>(new clsQSOM_DM());
 }
@@ -73,11 +75,5 @@ void clsQSOM_DM::ReadProperties(PropertyBag& PropBag) {
   const Row* rows = Rows(count);
   PersistRows(rows, count, *this, PropBag, false, &kTrap);
 }
-
-namespace {
-
-const bool kRegistered = RegisterRecordClass<clsQSOM_DM>("clsQSOM_DM");
-
-}  // namespace
 
 }  // namespace brix

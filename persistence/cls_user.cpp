@@ -53,6 +53,8 @@ const clsUser::Row* clsUser::Rows(std::size_t& count) {
   return rows.data();
 }
 
+clsUser::clsUser() { RegisterRecordClasses(); }
+
 std::shared_ptr<clsUser> clsUser::Create() { return std::shared_ptr<clsUser>(new clsUser()); }
 
 void clsUser::WriteProperties(PropertyBag& PropBag) {
@@ -66,11 +68,5 @@ void clsUser::ReadProperties(PropertyBag& PropBag) {
   const Row* rows = Rows(count);
   PersistRows(rows, count, *this, PropBag, false);
 }
-
-namespace {
-
-const bool kRegistered = RegisterRecordClass<clsUser>("clsUser");
-
-}  // namespace
 
 }  // namespace brix

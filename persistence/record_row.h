@@ -70,11 +70,9 @@ void PersistRows(const Row* rows, std::size_t count, Record& record, PropertyBag
   }
 }
 
-/// Lets a property bag read the record `Record` back as a new instance, under `class_name`.
-template <class Record>
-bool RegisterRecordClass(const char* class_name) {
-  RegisterPersistableClass(class_name, [] { return Record::Create(); });
-  return true;
-}
+/// Lets a property bag read the records (`clsUser`, `clsQSOM_DM`) back as new instances. Each
+/// class is registered once, at the first call; the records and the envelope that carries them
+/// call this, so that linking any of them makes the records readable.
+void RegisterRecordClasses();
 
 }  // namespace brix
