@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "querybuilder/indexed_collection.h"
+#include "querybuilder/model_collection.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_definitions.h"
 #include "runtime/variant.h"
@@ -15,7 +15,7 @@ class ConditionIndex;
 
 /// A field's conditions in insertion order, keyed by the decimal text of each `ConditionID`.
 /// `Item` takes a position or the key text ("4711"); collection errors reach the caller unchanged.
-class xqb_Conditions : public IndexedCollection<xqb_Condition, ConditionIndex> {
+class xqb_Conditions : public ModelCollection<xqb_Condition, ConditionIndex> {
  public:
   static std::shared_ptr<xqb_Conditions> Create();
 
@@ -26,7 +26,8 @@ class xqb_Conditions : public IndexedCollection<xqb_Condition, ConditionIndex> {
   void AddObjectCondition(std::shared_ptr<xqb_Condition> condition);
 
   /// Creates, adds and returns a condition with a random `ConditionID` in 0..10000 (not checked
-  /// for being free: a used one fails with the collection's 457). Raises 0x80040BB8
+  /// for being free: a used one fails with the collection's 457), drawn from the collection's own
+  /// generator, re-seeded from the clock each time. Raises 0x80040BB8
   /// "[Add Condition]" when the duplicate test finds one.
   std::shared_ptr<xqb_Condition> Add(qbe_ClauseOperator clause, const Variant& value = Variant(""),
                                      const Variant& secondary_value = Variant(""));
@@ -39,9 +40,11 @@ class xqb_Conditions : public IndexedCollection<xqb_Condition, ConditionIndex> {
                        const Variant& secondary_value = Variant::Missing());
 
  private:
-  xqb_Conditions() = default;
+  xqb_Conditions();
 
   bool ScanForDuplicate(qbe_ClauseOperator clause, const Variant& value) const;
+
+  std::uint32_t random_state_;  // the generator `Add` draws identities from (xqb_Module)
 };
 
 }  // namespace brix

@@ -15,6 +15,7 @@
 #include "querybuilder/xqb_definitions.h"
 #include "querybuilder/xqb_fields.h"
 #include "querybuilder/xqb_tables.h"
+#include "runtime/error.h"  // what every method here raises
 #include "runtime/object.h"
 #include "runtime/variant.h"
 
