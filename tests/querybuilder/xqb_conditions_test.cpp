@@ -118,6 +118,17 @@ TEST(XqbConditions, AddRefusesDuplicatesAndKeysByTheDecimalIdentity) {
   });
 }
 
+// One sequence serves every collection of the thread: fields filled in the same clock tick still
+// draw different identities.
+TEST(XqbConditions, CollectionsShareTheThreadsIdentitySequence) {
+  ScopedClock noon(45000.5);
+  OnFreshThread([] {
+    const auto first = xqb_Conditions::Create()->Add(EQ, V(1));
+    const auto second = xqb_Conditions::Create()->Add(EQ, V(1));
+    EXPECT_NE(first->ConditionID(), second->ConditionID());
+  });
+}
+
 TEST(ConditionIndex, FollowsChangesRemovalsAndClear) {
   auto conditions = xqb_Conditions::Create(), other = xqb_Conditions::Create();
   auto held = MakeCondition(1, EQ, V("a"), V("a"));
