@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -480,6 +483,22 @@ TEST(Brixq, ExplainsEachCommand) {
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.starts_with("Usage: brixq " + command)) << help.out;
     EXPECT_NE(help.out.find("Examples:"), std::string::npos);
+    // Every option the help lists is one the command takes ("--name VALUE" takes a value).
+    std::istringstream lines(help.out);
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.starts_with("  --")) continue;
+      const std::string option = line.substr(2, line.find(' ', 2) - 2);
+      std::vector<std::string> args = {command};
+      if (command == "b64") args.push_back("encode");
+      args.push_back(option);
+      if (line.size() > option.size() + 3 && std::isupper(line[option.size() + 3])) {
+        static const std::map<std::string, std::string> kValues = {
+            {"--date", "2024-01-01"}, {"--param", "A=1"}, {"--dialect", "sqlite"}};
+        args.push_back(kValues.contains(option) ? kValues.at(option) : "1");
+      }
+      args.push_back("--help");
+      EXPECT_EQ(RunBrixq(args).status, 0) << line;
+    }
   }
   Outcome names = RunBrixq({"clauses", "--names"});
   EXPECT_EQ(std::count(names.out.begin(), names.out.end(), '\n'), 32);
