@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -61,7 +64,8 @@ const std::string kOrdersSelect =
     kOrdersWhere + " ORDER BY Orders.[Order Day] DESC, Orders.[Order No] ASC";
 const std::string kLegalRequest =
     "((Titlu contains (codul muncii))) AND ((Emitent contains (Parlamentul)) OR (Emitent contains "
-    "(Guvernul))) AND ((Numar contains (1~~100))) AND ((Data_emiterii contains (01-Jan-2001~~31-Dec-2024))) "
+    "(Guvernul))) AND ((Numar contains (1~~100))) AND ((Data_emiterii contains "
+    "(01-Jan-2001~~31-Dec-2024))) "
     "AND ((contract* AND munca*) AND (concediu w/33 odihna))";
 const std::string kLegalFilter =
     "(Emitent = 'Parlamentul' OR Emitent = 'Guvernul') AND (Numar BETWEEN 1 AND 100) AND "
@@ -94,8 +98,8 @@ struct Case {
 
 // The line after a usage error: the help of the command named, or the overview.
 std::string HelpHint(const std::vector<std::string>& args) {
-  static const std::vector<std::string> kCommands = {"sql",     "where", "dt",    "describe",
-                                                     "clauses", "save",  "run",   "check",
+  static const std::vector<std::string> kCommands = {"sql",     "where", "dt",      "describe",
+                                                     "clauses", "save",  "run",     "check",
                                                      "params",  "b64",   "envelope"};
   if (args.empty() || std::find(kCommands.begin(), kCommands.end(), args[0]) == kCommands.end()) {
     return "see brixq --help\n";
@@ -405,35 +409,51 @@ TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
 const std::string kFaulty =
     "<PropertyBag><xqb_Query name=\"Q\"><TablesCount>1</TablesCount>\n"
     "<xqb_Table name=\"Table1\"><DBName>Orders</DBName><FieldsCount>2</FieldsCount>\n"
-    "<xqb_Field name=\"Field1\"><DBName>Quantity</DBName><DBType>5</DBType><ShowAsType>5</ShowAsType>"
+    "<xqb_Field "
+    "name=\"Field1\"><DBName>Quantity</DBName><DBType>5</DBType><ShowAsType>5</ShowAsType>"
     "<Alias/><LinksWithField>Customer.ID</LinksWithField><ConditionsCount>3</ConditionsCount>\n"
-    "<xqb_Condition name=\"Condition1\"><ConditionID>1</ConditionID><Clause>33</Clause></xqb_Condition>\n"
-    "<xqb_Condition name=\"Condition2\"><ConditionID>2</ConditionID><Clause>4</Clause><Value>two</Value></xqb_Condition>\n"
-    "<xqb_Condition name=\"Condition3\"><ConditionID>3</ConditionID><Clause>17</Clause><Value>(1, 2</Value></xqb_Condition>\n"
+    "<xqb_Condition "
+    "name=\"Condition1\"><ConditionID>1</ConditionID><Clause>33</Clause></xqb_Condition>\n"
+    "<xqb_Condition "
+    "name=\"Condition2\"><ConditionID>2</ConditionID><Clause>4</Clause><Value>two</Value></"
+    "xqb_Condition>\n"
+    "<xqb_Condition name=\"Condition3\"><ConditionID>3</ConditionID><Clause>17</Clause><Value>(1, "
+    "2</Value></xqb_Condition>\n"
     "</xqb_Field>\n"
-    "<xqb_Field name=\"Field2\"><DBName>Day</DBName><Alias>Day</Alias><DBType>3</DBType><ShowAsType>3</ShowAsType>"
+    "<xqb_Field "
+    "name=\"Field2\"><DBName>Day</DBName><Alias>Day</Alias><DBType>3</DBType><ShowAsType>3</"
+    "ShowAsType>"
     "<ConditionsCount>1</ConditionsCount>\n"
-    "<xqb_Condition name=\"Condition1\"><ConditionID>1</ConditionID><Clause>3</Clause><Value>banana</Value></xqb_Condition>\n"
+    "<xqb_Condition "
+    "name=\"Condition1\"><ConditionID>1</ConditionID><Clause>3</Clause><Value>banana</Value></"
+    "xqb_Condition>\n"
     "</xqb_Field></xqb_Table></xqb_Query></PropertyBag>";
 
 TEST(Brixq, ChecksADefinitionAndWarnsBeforeRunningIt) {
   const std::string problems =
-      "xqb_Query/Table1/Field1: field Quantity has an empty Alias: the statement writes \"AS\" with no name after it\n"
+      "xqb_Query/Table1/Field1: field Quantity has an empty Alias: the statement writes \"AS\" "
+      "with no name after it\n"
       "xqb_Query/Table1/Field1: LinksWithField \"Customer.ID\" names no field of the query\n"
       "xqb_Query/Table1/Field1/Condition1: Clause 33 is not a clause (1 to 32)\n"
       "xqb_Query/Table1/Field1/Condition2: Value \"two\" does not read as Numeric (Type mismatch)\n"
-      "xqb_Query/Table1/Field1/Condition3: The IN list \"(1, 2\" does not read as (item, item, ...) of "
+      "xqb_Query/Table1/Field1/Condition3: The IN list \"(1, 2\" does not read as (item, item, "
+      "...) of "
       "numbers and 'quoted texts': expected \",\" or \")\" at character 6.\n"
-      "xqb_Query/Table1/Field2/Condition1: ConditionID 1 is also the ID of xqb_Query/Table1/Field1/Condition1: "
+      "xqb_Query/Table1/Field2/Condition1: ConditionID 1 is also the ID of "
+      "xqb_Query/Table1/Field1/Condition1: "
       "look-ups by ID find that one\n"
-      "xqb_Query/Table1/Field2/Condition1: Value \"banana\" does not read as Date (Type mismatch)\n";
-  const std::string where = "(Quantity OR Quantity >= two OR Quantity IN (1, 2) AND (Day = #banana#)\n";
+      "xqb_Query/Table1/Field2/Condition1: Value \"banana\" does not read as Date (Type "
+      "mismatch)\n";
+  const std::string where =
+      "(Quantity OR Quantity >= two OR Quantity IN (1, 2) AND (Day = #banana#)\n";
   std::string warnings, errors;
-  for (std::size_t at = 0, end; (end = problems.find('\n', at)) != std::string::npos; at = end + 1) {
+  for (std::size_t at = 0, end; (end = problems.find('\n', at)) != std::string::npos;
+       at = end + 1) {
     warnings += "brixq: warning: " + problems.substr(at, end + 1 - at);
     errors += "brixq: " + problems.substr(at, end + 1 - at);
   }
-  for (const auto& [args, status, out, err] : std::vector<std::tuple<std::vector<std::string>, int, std::string, std::string>>{
+  for (const auto& [args, status, out, err] :
+       std::vector<std::tuple<std::vector<std::string>, int, std::string, std::string>>{
            {{"check", "-"}, 1, problems, ""},
            {{"check", kOrders}, 0, "", ""},
            {{"where", "-"}, 0, where, warnings},
@@ -456,13 +476,29 @@ TEST(Brixq, ChecksADefinitionAndWarnsBeforeRunningIt) {
 }
 
 TEST(Brixq, ExplainsEachCommand) {
-  for (const std::string command :
-       {"sql", "where", "dt", "describe", "clauses", "save", "run", "check", "params", "b64", "envelope"}) {
+  for (const std::string command : {"sql", "where", "dt", "describe", "clauses", "save", "run",
+                                    "check", "params", "b64", "envelope"}) {
     SCOPED_TRACE(command);
     Outcome help = RunBrixq({command, "--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.starts_with("Usage: brixq " + command)) << help.out;
     EXPECT_NE(help.out.find("Examples:"), std::string::npos);
+    // Every option the help lists is one the command takes ("--name VALUE" takes a value).
+    std::istringstream lines(help.out);
+    for (std::string line; std::getline(lines, line);) {
+      if (!line.starts_with("  --")) continue;
+      const std::string option = line.substr(2, line.find(' ', 2) - 2);
+      std::vector<std::string> args = {command};
+      if (command == "b64") args.push_back("encode");
+      args.push_back(option);
+      if (line.size() > option.size() + 3 && std::isupper(line[option.size() + 3])) {
+        static const std::map<std::string, std::string> kValues = {
+            {"--date", "2024-01-01"}, {"--param", "A=1"}, {"--dialect", "sqlite"}};
+        args.push_back(kValues.contains(option) ? kValues.at(option) : "1");
+      }
+      args.push_back("--help");
+      EXPECT_EQ(RunBrixq(args).status, 0) << line;
+    }
   }
   Outcome names = RunBrixq({"clauses", "--names"});
   EXPECT_EQ(std::count(names.out.begin(), names.out.end(), '\n'), 32);
