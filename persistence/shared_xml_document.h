@@ -44,6 +44,11 @@ class SharedDocument {
   /// positioned inside the removed subtree loses its position.
   void Remove(pugi::xml_node node);
 
+  /// The text the document was read from, when its reader keeps it for the document's life
+  /// (`XMLPropBag::SetContentsForReading`); empty otherwise. It tells the lines of elements.
+  std::string_view SourceText() const { return source_text_; }
+  void SetSourceText(std::string_view text) { source_text_ = text; }
+
  private:
   friend class NodeHold;
 
@@ -51,6 +56,7 @@ class SharedDocument {
   PathIndex index_{dom_};
   std::vector<NodeHold*> holds_;
   std::uint64_t version_ = 0;
+  std::string_view source_text_;
 };
 
 /// A bag's current node. It keeps the node's document alive (setting a bag's contents replaces

@@ -1,6 +1,7 @@
 // The XML property bag: values to elements and back, and whole object trees saved by class name.
 #include "persistence/xml_prop_bag.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "persistence/bin_base64.h"
@@ -545,6 +546,30 @@ void XMLPropBag::SetContents(std::string_view text) {
 void XMLPropBag::SetContentsForReading(std::string_view text) {
   state_->document_ = std::make_shared<SharedDocument>();
   ReadXmlText(state_->document_->Dom(), text, true);
+  state_->document_->SetSourceText(text);
+}
+
+XMLPropBag::Place XMLPropBag::PlaceOf(std::string_view PropertyName) const {
+  Place place;
+  pugi::xml_node node = state_->current_.Node();
+  if (!node) return place;
+  std::vector<std::string_view> names;
+  for (; node.parent().type() == pugi::node_element &&
+         std::string_view(node.parent().name()) != "PropertyBag";
+       node = node.parent()) {
+    names.push_back(node.attribute("name").value());
+  }
+  place.path = node.name();
+  for (auto name = names.rbegin(); name != names.rend(); ++name)
+    place.path.append("/").append(*name);
+  const pugi::xml_node element = state_->current_.Node().child(std::string(PropertyName).c_str());
+  const std::string_view text = state_->current_.Owner()->SourceText();
+  const std::ptrdiff_t offset = element ? element.offset_debug() : -1;
+  if (offset >= 0 && static_cast<std::size_t>(offset) <= text.size()) {
+    place.line =
+        1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
+  }
+  return place;
 }
 
 const pugi::xml_document* XMLPropBag::Document() const {

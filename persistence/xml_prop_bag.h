@@ -126,8 +126,20 @@ class XMLPropBag : public Object {
 
   /// `SetContents` for a document that is only read through this bag: an element's leading text
   /// is kept in the element itself (a third less memory for documents of short values), so an
-  /// XPath expression that selects text nodes finds none; `Contents` still gives the text.
+  /// XPath expression that selects text nodes finds none; `Contents` still gives the text. The
+  /// bag refers to `text` to tell the lines of elements (`PlaceOf`): it must stay valid while
+  /// the bag and the bags nested in it are read.
   void SetContentsForReading(std::string_view text);
+
+  /// Where property `PropertyName` of the current node stands, for messages: the path of the
+  /// objects from the saved root down, "xqb_Query/Table1/Field2" (the root's class, then each
+  /// nested object's "name"), and the line of the property's element in the text given to
+  /// `SetContentsForReading` (0 when unknown). An empty path without a current node.
+  struct Place {
+    std::string path;
+    std::size_t line = 0;
+  };
+  Place PlaceOf(std::string_view PropertyName) const;
 
   /// The DOM document, or nullptr when the bag has none.
   const pugi::xml_document* Document() const;
