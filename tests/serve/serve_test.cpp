@@ -1,7 +1,10 @@
 // brixq serve as a client sees it: the real process on a free port, a temporary SQLite
 // catalogue or the test run's PostgreSQL, httplib's client.
 #include <gtest/gtest.h>
+#include <arpa/inet.h>
 #include <libpq-fe.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <stdlib.h>
 
 #include <atomic>
@@ -245,8 +248,12 @@ class Serve : public ::testing::Test {
  protected:
   void SetUp() override {
     dir_ = TempDir();
+    fs::create_directory(dir_ + "/web");
+    std::ofstream(dir_ + "/web/index.html") << "<p>pagina</p>";
     server_ = std::make_unique<ServerProcess>(
-        std::vector<std::string>{"--catalog", "sqlite:" + dir_ + "/catalog.db"},
+        std::vector<std::string>{"--catalog", "sqlite:" + dir_ + "/catalog.db", "--web",
+                                 dir_ + "/web", "--error-log", dir_ + "/errors.log", "--timeout",
+                                 "1"},
         dir_ + "/server.log");
     ASSERT_NE(server_->port(), 0);
   }
@@ -384,6 +391,34 @@ TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
     ExpectError(result, c.status, c.number, c.source, c.description);
     EXPECT_EQ(server_->Client().Get("/api/version")->status, 200);
   }
+  // One line per request on standard error; the library's failures reported by the logger.
+  EXPECT_EQ(Lines(ReadFile(dir_ + "/server.log")).size(), 2 * cases.size());
+  EXPECT_NE(ReadFile(dir_ + "/errors.log").find("Couldn't load xml query definition!"),
+            std::string::npos);
+}
+
+TEST_F(Serve, ServesThePageAndDropsSlowClients) {
+  auto page = server_->Client().Get("/");
+  EXPECT_EQ(page->status, 200);
+  EXPECT_EQ(page->body, "<p>pagina</p>");
+  // A client that never finishes its request is answered 400 after the timeout (1 s here).
+  int socket_fd = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(server_->port());
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(connect(socket_fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  const std::string partial = "POST /api/render HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n\r\n{";
+  ASSERT_EQ(send(socket_fd, partial.data(), partial.size(), 0), static_cast<ssize_t>(partial.size()));
+  timeval wait{5, 0};
+  setsockopt(socket_fd, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
+  char buffer[512] = {};
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_GT(recv(socket_fd, buffer, sizeof buffer - 1, 0), 0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+  EXPECT_TRUE(std::string(buffer).starts_with("HTTP/1.1 400 ")) << buffer;
+  close(socket_fd);
+  EXPECT_EQ(server_->Client().Get("/api/version")->status, 200);
 }
 
 TEST_F(Serve, ImportedSamplesAreServed) {
