@@ -494,7 +494,7 @@ TEST_F(Serve, AnswersEnvelopesWithEnvelopes) {
   record->SetIsEditable(true);
   record->SetQueryDef(ReadFile(kExamples + "/orders.xml"));
   auto save = NewCall("SaveQuery");
-  save->AddParam("Query", Variant(record));
+  save->AddParam("Record", Variant(record));
   auto saved = Call(client, *save);
   EXPECT_EQ(saved->ErrorNo(), 0) << saved->ErrorDescription();
   EXPECT_EQ(CLng(saved->Retval()), 1);
@@ -521,8 +521,13 @@ TEST_F(Serve, AnswersEnvelopesWithEnvelopes) {
   EXPECT_EQ(CStr(Call(client, *render)->Retval()),
             RunBrixq("sql --top 2 " + kExamples + "/orders.xml"));
 
+  auto overwrite = NewCall("SaveQuery");
+  overwrite->AddParam("Record", Variant(record));
+  overwrite->AddParam("Overwrite", Variant(true));
+  EXPECT_EQ(CLng(Call(client, *overwrite)->Retval()), 2);
+
   auto stale = NewCall("SaveQuery");
-  stale->AddParam("Query", Variant(record));
+  stale->AddParam("Record", Variant(record));
   stale->AddParam("Version", Variant(7));
   auto unknown_class = NewCall("ListQueries");
   unknown_class->SetClassName("Catalog.Users");
@@ -535,7 +540,7 @@ TEST_F(Serve, AnswersEnvelopesWithEnvelopes) {
   for (const Case& c : std::vector<Case>{
            {NewCall("DropAll"), 5, rpc, "unknown procedure \"DropAll\""},
            {unknown_class, 5, rpc, "unknown class \"Catalog.Users\""},
-           {stale, 20409, rpc, "the record \"orders\" is at version 1, not 7"},
+           {stale, 20409, rpc, "the record \"orders\" is at version 2, not 7"},
            {NewCall("LoadQuery"), static_cast<std::int32_t>(0x80040205), "[QuillMarshall].[ReadParam]",
             "Unsupported data type"}}) {
     auto answer = Call(client, *c.call);
