@@ -170,6 +170,18 @@ std::string StatusText(int status) {
   }
 }
 
+// A definition posted as XML, its options in the query string: what curl sends most simply.
+nlohmann::json XmlRenderRequest(const httplib::Request& request) {
+  nlohmann::json body = {{"definition", request.body}};
+  for (const char* name : {"top", "near"}) {
+    if (request.has_param(name)) body[name] = QueryNumber(request, name, 0);
+  }
+  for (const char* name : {"date", "dialect"}) {
+    if (request.has_param(name)) body[name] = request.get_param_value(name);
+  }
+  return body;
+}
+
 }  // namespace
 
 ApiServer::ApiServer(const ServeOptions& options, CatalogStore& store, std::string token)
@@ -272,7 +284,9 @@ std::string ApiServer::User(const Request& request) const {
 }
 
 void ApiServer::Render(const Request& request, Response& response) {
-  SendJson(response, 200, brixq::Render(ParseBody(request)));
+  const std::string type = request.get_header_value("Content-Type");
+  const bool xml = type.starts_with("application/xml") || type.starts_with("text/xml");
+  SendJson(response, 200, brixq::Render(xml ? XmlRenderRequest(request) : ParseBody(request)));
 }
 
 void ApiServer::ListQueries(const Request& request, Response& response) {

@@ -340,6 +340,17 @@ TEST_F(Serve, RendersTheTextsOfTheCommandLine) {
   }
 }
 
+TEST_F(Serve, RendersADefinitionPostedAsXml) {
+  auto result = server_->Client().Post("/api/render?top=3&dialect=sqlite",
+                                       ReadFile(kExamples + "/orders.xml"), "application/xml");
+  ASSERT_EQ(result->status, 200) << result->body;
+  json answer = Body(result);
+  EXPECT_EQ(answer["sql"], RunBrixq("sql --top 3 " + kExamples + "/orders.xml"));
+  EXPECT_FALSE(answer["statements"].contains("postgresql"));
+  ExpectError(server_->Client().Post("/api/render?top=x", "<x/>", "application/xml"), 400, 0,
+              "brixq serve", "top must be a whole number");
+}
+
 TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
   const std::string orders = ReadFile(kExamples + "/orders.xml");
   auto with = [&](json extra) {
