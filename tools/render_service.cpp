@@ -35,12 +35,20 @@ constexpr std::array<const char*, 32> kClauseNames = {
 // Conditions beyond this many are not rendered one by one to find the failing ones.
 constexpr int kMaxConditionsChecked = 200;
 
-nlohmann::json ClauseJson(std::int32_t number) {
+const char* ClauseName(std::int32_t number) {
   bool known = number >= 1 && number <= static_cast<std::int32_t>(kClauseNames.size());
+  return known ? kClauseNames[number - 1] : "";
+}
+
+nlohmann::json ClauseJson(std::int32_t number) {
   return {{"number", number},
-          {"name", known ? kClauseNames[number - 1] : ""},
+          {"name", ClauseName(number)},
           {"description", ClauseDescription(static_cast<qbe_ClauseOperator>(number))}};
 }
+
+// The parts a render may be asked for, in the order they are computed.
+constexpr std::array<const char*, 6> kParts = {"sql",         "where",  "fullText",
+                                               "descriptions", "fields", "statements"};
 
 // The request's members, checked.
 struct RenderRequest {
@@ -50,7 +58,23 @@ struct RenderRequest {
   std::optional<SqlDialect> dialect;
   std::int32_t top = 0;
   std::int16_t near = 33;
+  unsigned parts = (1u << kParts.size()) - 1;  // bit i: kParts[i] is wanted
 };
+
+unsigned PartsMember(const nlohmann::json& parts) {
+  constexpr const char* kShape =
+      "\"parts\" must be an array of \"sql\", \"where\", \"fullText\", \"descriptions\", "
+      "\"fields\" and \"statements\"";
+  if (!parts.is_array()) throw ApiError(400, kShape);
+  unsigned bits = 0;
+  for (const nlohmann::json& part : parts) {
+    auto found = std::find_if(kParts.begin(), kParts.end(),
+                              [&](const char* name) { return part == name; });
+    if (found == kParts.end()) throw ApiError(400, kShape);
+    bits |= 1u << (found - kParts.begin());
+  }
+  return bits;
+}
 
 std::int64_t WholeMember(const nlohmann::json& request, const char* name, std::int64_t low,
                          std::int64_t high) {
@@ -106,6 +130,7 @@ RenderRequest ParseRequest(const nlohmann::json& request) {
     }
   }
   if (request.contains("top")) parsed.top = static_cast<std::int32_t>(WholeMember(request, "top", 0, INT32_MAX));
+  if (request.contains("parts")) parsed.parts = PartsMember(request["parts"]);
   if (request.contains("near")) {
     parsed.near = static_cast<std::int16_t>(WholeMember(request, "near", INT16_MIN, INT16_MAX));
   }
@@ -135,7 +160,10 @@ nlohmann::json Descriptions(const xqb_Query& query) {
 
 nlohmann::json FieldJson(const xqb_Table& table, const xqb_Field& field) {
   nlohmann::json clauses = nlohmann::json::array();
-  for (std::int32_t clause : field.ReturnAvailableClauses()) clauses.push_back(ClauseJson(clause));
+  // Numbers and names only: the Romanian texts are the catalogue's, sent once by its endpoint.
+  for (std::int32_t clause : field.ReturnAvailableClauses()) {
+    clauses.push_back({{"number", clause}, {"name", ClauseName(clause)}});
+  }
   return {{"table", table.DBName()},         {"field", field.DBName()},
           {"caption", field.Caption()},      {"dataType", field.ShowAsType()},
           {"dbType", field.DBType()},        {"controlType", field.ControlType()},
@@ -173,13 +201,29 @@ nlohmann::json Statements(const xqb_Query& query, const RenderRequest& request) 
   return statements;
 }
 
+nlohmann::json RenderPart(const xqb_Query& query, const RenderRequest& request, std::size_t part) {
+  switch (part) {
+    case 0:
+      return query.ReturnSQL(request.top);
+    case 1:
+      return query.ReturnWHEREConditions();
+    case 2:
+      return query.ReturnDTConditions(request.near);
+    case 3:
+      return Descriptions(query);
+    case 4:
+      return Fields(query);
+    default:
+      return Statements(query, request);
+  }
+}
+
 nlohmann::json RenderQuery(const xqb_Query& query, const RenderRequest& request) {
-  return {{"sql", query.ReturnSQL(request.top)},
-          {"where", query.ReturnWHEREConditions()},
-          {"fullText", query.ReturnDTConditions(request.near)},
-          {"descriptions", Descriptions(query)},
-          {"fields", Fields(query)},
-          {"statements", Statements(query, request)}};
+  nlohmann::json answer = nlohmann::json::object();
+  for (std::size_t part = 0; part < kParts.size(); ++part) {
+    if (request.parts & (1u << part)) answer[kParts[part]] = RenderPart(query, request, part);
+  }
+  return answer;
 }
 
 // Keeps only the `keep`-th condition (tree order) of the query.

@@ -340,7 +340,7 @@ TEST_F(Serve, RendersTheTextsOfTheCommandLine) {
   }
 }
 
-TEST_F(Serve, RendersADefinitionPostedAsXml) {
+TEST_F(Serve, RendersADefinitionPostedAsXmlAndOnlyThePartsAsked) {
   auto result = server_->Client().Post("/api/render?top=3&dialect=sqlite",
                                        ReadFile(kExamples + "/orders.xml"), "application/xml");
   ASSERT_EQ(result->status, 200) << result->body;
@@ -349,6 +349,11 @@ TEST_F(Serve, RendersADefinitionPostedAsXml) {
   EXPECT_FALSE(answer["statements"].contains("postgresql"));
   ExpectError(server_->Client().Post("/api/render?top=x", "<x/>", "application/xml"), 400, 0,
               "brixq serve", "top must be a whole number");
+  // Only the parts asked for.
+  json request = {{"definition", ReadFile(kExamples + "/orders.xml")}, {"parts", {"where", "sql"}}};
+  answer = Body(server_->Client().Post("/api/render", request.dump(), kJson));
+  EXPECT_EQ(answer.size(), 2u);
+  EXPECT_EQ(answer["where"], RunBrixq("where " + kExamples + "/orders.xml"));
 }
 
 TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
@@ -375,6 +380,7 @@ TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
       {"POST", "/api/render", with({{"near", 40000}}),       400, 0, ours, "\"near\" must be a whole number"},
       {"POST", "/api/render", with({{"dialect", "oracle"}}), 400, 0, ours, "\"dialect\" must be"},
       {"POST", "/api/render", with({{"params", {{{"name", 1}}}}}), 400, 0, ours, "\"params\" must be"},
+      {"POST", "/api/render", with({{"parts", {"sql", "all"}}}), 400, 0, ours, "\"parts\" must be"},
       {"POST", "/api/render", "{\"definition\": \"<PropertyBag><x\"}", 422, kLoadFailed, kLoadSource,
        "Couldn't load xml query definition!\r\n"},
       {"GET", "/api/queries/bad%21id",  "",                  400, 0, ours, "a record ID is 1 to 128"},
