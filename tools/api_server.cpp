@@ -147,10 +147,10 @@ void LogLine(const httplib::Request& request, const httplib::Response& response)
                 response.status, response.body.size(), milliseconds);
   std::lock_guard lock(mutex);
   // The path as received may hold any byte; it is written escaped like a JSON string.
-  std::cerr << line << request.method << ' '
-            << nlohmann::json(request.path).dump(-1, ' ', false,
-                                                 nlohmann::json::error_handler_t::replace)
-            << '\n';
+  std::cerr
+      << line << request.method << ' '
+      << nlohmann::json(request.path).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+      << '\n';
 }
 
 std::string StatusText(int status) {
@@ -291,9 +291,9 @@ void ApiServer::Render(const Request& request, Response& response) {
 
 void ApiServer::ListQueries(const Request& request, Response& response) {
   std::string search = request.has_param("search") ? request.get_param_value("search") : "";
-  SendJson(response, 200,
-           catalog_.List(search, QueryNumber(request, "offset", 0),
-                         QueryNumber(request, "limit", 50)));
+  SendJson(
+      response, 200,
+      catalog_.List(search, QueryNumber(request, "offset", 0), QueryNumber(request, "limit", 50)));
 }
 
 void ApiServer::GetQuery(const Request& request, Response& response) {
@@ -344,7 +344,8 @@ void ApiServer::Samples(const Request&, Response& response) {
   std::sort(files.begin(), files.end());
   nlohmann::json samples = nlohmann::json::array();
   for (const fs::path& file : files) {
-    samples.push_back({{"name", file.stem().string()}, {"definition", ReadDefinition(file.string())}});
+    samples.push_back(
+        {{"name", file.stem().string()}, {"definition", ReadDefinition(file.string())}});
   }
   SendJson(response, 200, {{"samples", samples}});
 }

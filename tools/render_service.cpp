@@ -19,17 +19,38 @@ namespace brix::brixq {
 namespace {
 
 constexpr std::array<const char*, 32> kClauseNames = {
-    "qbe_ClauseBetween",         "qbe_ClauseContains",         "qbe_ClauseEqualTo",
-    "qbe_ClauseGreaterOrEqual",  "qbe_ClauseGreaterThan",      "qbe_ClauseIsEmpty",
-    "qbe_ClauseIsNull",          "qbe_ClauseLessOrEqual",      "qbe_ClauseLessThan",
-    "qbe_ClauseNotContains",     "qbe_ClauseNotEqual",         "qbe_ClauseNotStartingWith",
-    "qbe_ClauseStartingWith",    "qbe_ClauseToday",            "qbe_ClauseThisWeek",
-    "qbe_ClauseThisMonth",       "qbe_ClauseInList",           "qbe_ClauseLastXDays",
-    "qbe_ClauseNotInList",       "qbe_ClauseNotIsEmpty",       "qbe_ClauseLastXMonths",
-    "qbe_ClauseThisYear",        "qbe_ClauseYear",             "qbe_ClauseLastXYears",
-    "qbe_ClauseContainsWordsNear", "qbe_ClauseContainsWords",  "qbe_ClauseContainsExpression",
-    "qbe_ClauseNextXDays",       "qbe_ClauseOverXDays",        "qbe_ClauseTimeNow",
-    "qbe_ClauseTimeGreaterThanNow", "qbe_ClauseTimeLessThanNow",
+    "qbe_ClauseBetween",
+    "qbe_ClauseContains",
+    "qbe_ClauseEqualTo",
+    "qbe_ClauseGreaterOrEqual",
+    "qbe_ClauseGreaterThan",
+    "qbe_ClauseIsEmpty",
+    "qbe_ClauseIsNull",
+    "qbe_ClauseLessOrEqual",
+    "qbe_ClauseLessThan",
+    "qbe_ClauseNotContains",
+    "qbe_ClauseNotEqual",
+    "qbe_ClauseNotStartingWith",
+    "qbe_ClauseStartingWith",
+    "qbe_ClauseToday",
+    "qbe_ClauseThisWeek",
+    "qbe_ClauseThisMonth",
+    "qbe_ClauseInList",
+    "qbe_ClauseLastXDays",
+    "qbe_ClauseNotInList",
+    "qbe_ClauseNotIsEmpty",
+    "qbe_ClauseLastXMonths",
+    "qbe_ClauseThisYear",
+    "qbe_ClauseYear",
+    "qbe_ClauseLastXYears",
+    "qbe_ClauseContainsWordsNear",
+    "qbe_ClauseContainsWords",
+    "qbe_ClauseContainsExpression",
+    "qbe_ClauseNextXDays",
+    "qbe_ClauseOverXDays",
+    "qbe_ClauseTimeNow",
+    "qbe_ClauseTimeGreaterThanNow",
+    "qbe_ClauseTimeLessThanNow",
 };
 
 // Conditions beyond this many are not rendered one by one to find the failing ones.
@@ -47,7 +68,7 @@ nlohmann::json ClauseJson(std::int32_t number) {
 }
 
 // The parts a render may be asked for, in the order they are computed.
-constexpr std::array<const char*, 6> kParts = {"sql",         "where",  "fullText",
+constexpr std::array<const char*, 6> kParts = {"sql",          "where",  "fullText",
                                                "descriptions", "fields", "statements"};
 
 // The request's members, checked.
@@ -68,8 +89,8 @@ unsigned PartsMember(const nlohmann::json& parts) {
   if (!parts.is_array()) throw ApiError(400, kShape);
   unsigned bits = 0;
   for (const nlohmann::json& part : parts) {
-    auto found = std::find_if(kParts.begin(), kParts.end(),
-                              [&](const char* name) { return part == name; });
+    auto found =
+        std::find_if(kParts.begin(), kParts.end(), [&](const char* name) { return part == name; });
     if (found == kParts.end()) throw ApiError(400, kShape);
     bits |= 1u << (found - kParts.begin());
   }
@@ -89,7 +110,8 @@ std::int64_t WholeMember(const nlohmann::json& request, const char* name, std::i
 
 std::vector<std::pair<std::string, std::vector<std::string>>> ParamsMember(
     const nlohmann::json& params) {
-  constexpr const char* kShape = "\"params\" must be an array of {\"name\": text, \"values\": [text]}";
+  constexpr const char* kShape =
+      "\"params\" must be an array of {\"name\": text, \"values\": [text]}";
   if (!params.is_array()) throw ApiError(400, kShape);
   std::vector<std::pair<std::string, std::vector<std::string>>> out;
   for (const nlohmann::json& param : params) {
@@ -115,7 +137,8 @@ RenderRequest ParseRequest(const nlohmann::json& request) {
   }
   parsed.definition = request["definition"].get<std::string>();
   if (request.contains("date")) {
-    if (request["date"].is_string()) parsed.date = ParseDateTime(request["date"].get<std::string>());
+    if (request["date"].is_string())
+      parsed.date = ParseDateTime(request["date"].get<std::string>());
     if (!parsed.date) throw ApiError(400, "\"date\" must be YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS");
   }
   if (request.contains("params")) parsed.params = ParamsMember(request["params"]);
@@ -129,7 +152,8 @@ RenderRequest ParseRequest(const nlohmann::json& request) {
       throw ApiError(400, "\"dialect\" must be \"sqlite\" or \"postgresql\"");
     }
   }
-  if (request.contains("top")) parsed.top = static_cast<std::int32_t>(WholeMember(request, "top", 0, INT32_MAX));
+  if (request.contains("top"))
+    parsed.top = static_cast<std::int32_t>(WholeMember(request, "top", 0, INT32_MAX));
   if (request.contains("parts")) parsed.parts = PartsMember(request["parts"]);
   if (request.contains("near")) {
     parsed.near = static_cast<std::int16_t>(WholeMember(request, "near", INT16_MIN, INT16_MAX));
@@ -150,11 +174,11 @@ std::shared_ptr<xqb_Query> LoadQuery(const RenderRequest& request) {
 
 nlohmann::json Descriptions(const xqb_Query& query) {
   nlohmann::json descriptions = nlohmann::json::array();
-  ForEachCondition(query, [&](const xqb_Table& table, const xqb_Field& field,
-                              const xqb_Condition& condition) {
-    descriptions.push_back({{"id", condition.ConditionID()},
-                            {"text", query.DescribeCondition(table, field, condition)}});
-  });
+  ForEachCondition(
+      query, [&](const xqb_Table& table, const xqb_Field& field, const xqb_Condition& condition) {
+        descriptions.push_back({{"id", condition.ConditionID()},
+                                {"text", query.DescribeCondition(table, field, condition)}});
+      });
   return descriptions;
 }
 
@@ -164,10 +188,10 @@ nlohmann::json FieldJson(const xqb_Table& table, const xqb_Field& field) {
   for (std::int32_t clause : field.ReturnAvailableClauses()) {
     clauses.push_back({{"number", clause}, {"name", ClauseName(clause)}});
   }
-  return {{"table", table.DBName()},         {"field", field.DBName()},
-          {"caption", field.Caption()},      {"dataType", field.ShowAsType()},
-          {"dbType", field.DBType()},        {"controlType", field.ControlType()},
-          {"uiOrder", field.UIOrder()},      {"visible", field.IsVisible()},
+  return {{"table", table.DBName()},      {"field", field.DBName()},
+          {"caption", field.Caption()},   {"dataType", field.ShowAsType()},
+          {"dbType", field.DBType()},     {"controlType", field.ControlType()},
+          {"uiOrder", field.UIOrder()},   {"visible", field.IsVisible()},
           {"clauses", std::move(clauses)}};
 }
 
