@@ -25,9 +25,11 @@ def milliseconds(text):
 def parse(name, clients, wrk_file):
     text = Path(wrk_file).read_text()
     rps = float(re.search(r"Requests/sec:\s+([\d.]+)", text).group(1))
+    timeouts = re.search(r"timeout (\d+)", text)
     percent = dict(re.findall(r"^\s+(\d+)%\s+(\S+)\s*$", text, re.M))
     print(json.dumps({"server": name, "clients": int(clients), "rps": rps,
-                      "p50_ms": milliseconds(percent["50"]), "p99_ms": milliseconds(percent["99"])}))
+                      "p50_ms": milliseconds(percent["50"]), "p99_ms": milliseconds(percent["99"]),
+                      "timeouts": int(timeouts.group(1)) if timeouts else 0}))
 
 
 def handler_times(log_file):
@@ -59,7 +61,8 @@ def write(results_file, md_file, cpus, seconds, node, rqb, log_file):
             r = by.get((server, c))
             if r:
                 lines.append(f"| {c} | {labels[server]} | {r['rps']:.0f} | {r['p50_ms']:.2f} ms | "
-                             f"{r['p99_ms']:.2f} ms | {r['rps'] / peer['rps']:.2f}x |")
+                             f"{r['p99_ms']:.2f} ms | {r['rps'] / peer['rps']:.2f}x |"
+                             + (f" ({r['timeouts']} over 10 s)" if r["timeouts"] else ""))
     lines += ["", "Aim: at least 3x the peer's throughput at 64 connections, p99 under 10 ms.", ""]
     handler = handler_times(log_file)
     if handler:

@@ -1,6 +1,10 @@
 // Routes and plumbing of brixq serve over cpp-httplib.
 #include "tools/api_server.h"
 
+#include <netinet/in.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -182,6 +186,27 @@ nlohmann::json XmlRenderRequest(const httplib::Request& request) {
   return body;
 }
 
+// cpp-httplib listens with a backlog of 5: a burst of new connections (a page's assets, a load
+// balancer's pool) overflows it, and the dropped handshakes are retried by the clients only after
+// a second or more. Listening again on the bound socket widens the queue.
+void WidenListenBacklog(int port) {
+  rlimit limit{};
+  getrlimit(RLIMIT_NOFILE, &limit);
+  const int last = static_cast<int>(std::min<rlim_t>(limit.rlim_cur, 65536));
+  for (int fd = 3; fd < last; ++fd) {
+    int accepting = 0;
+    socklen_t size = sizeof accepting;
+    if (getsockopt(fd, SOL_SOCKET, SO_ACCEPTCONN, &accepting, &size) != 0 || !accepting) continue;
+    sockaddr_storage address{};
+    socklen_t length = sizeof address;
+    if (getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) != 0) continue;
+    const int bound = address.ss_family == AF_INET6
+                          ? ntohs(reinterpret_cast<sockaddr_in6*>(&address)->sin6_port)
+                          : ntohs(reinterpret_cast<sockaddr_in*>(&address)->sin_port);
+    if (bound == port) listen(fd, SOMAXCONN);
+  }
+}
+
 }  // namespace
 
 ApiServer::ApiServer(const ServeOptions& options, CatalogStore& store, std::string token)
@@ -356,16 +381,15 @@ void ApiServer::Rpc(const Request& request, Response& response) {
 }
 
 int ApiServer::Bind() {
-  if (options_.port == 0) {
-    int port = server_.bind_to_any_port(options_.host);
+  int port = options_.port;
+  if (port == 0) {
+    port = server_.bind_to_any_port(options_.host);
     if (port <= 0) throw std::runtime_error("cannot listen on " + options_.host);
-    return port;
+  } else if (!server_.bind_to_port(options_.host, port)) {
+    throw std::runtime_error("cannot listen on " + options_.host + ":" + std::to_string(port));
   }
-  if (!server_.bind_to_port(options_.host, options_.port)) {
-    throw std::runtime_error("cannot listen on " + options_.host + ":" +
-                             std::to_string(options_.port));
-  }
-  return options_.port;
+  WidenListenBacklog(port);
+  return port;
 }
 
 void ApiServer::Run() { server_.listen_after_bind(); }

@@ -16,7 +16,7 @@ struct ServeOptions {
   int port = 8080;
   std::string catalog;                    ///< --catalog URL; empty means the default SQLite file
   std::optional<std::string> token_file;  ///< writes need this token as Bearer
-  int threads = 64;                       ///< connections served at once
+  int threads = 128;                      ///< connections served at once
   std::optional<std::string> web;         ///< the page's folder, served at /
   std::optional<std::string> error_log;   ///< failures appended to this file by the logger
   bool syslog = false;                    ///< failures written to the system log too
