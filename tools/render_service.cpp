@@ -11,6 +11,7 @@
 #include "querybuilder/xqb_query.h"
 #include "runtime/variant.h"
 #include "tools/api_error.h"
+#include "tools/clause_names.h"
 #include "tools/command_line.h"
 #include "tools/request_clock.h"
 #include "tools/statement_json.h"
@@ -18,48 +19,8 @@
 namespace brix::brixq {
 namespace {
 
-constexpr std::array<const char*, 32> kClauseNames = {
-    "qbe_ClauseBetween",
-    "qbe_ClauseContains",
-    "qbe_ClauseEqualTo",
-    "qbe_ClauseGreaterOrEqual",
-    "qbe_ClauseGreaterThan",
-    "qbe_ClauseIsEmpty",
-    "qbe_ClauseIsNull",
-    "qbe_ClauseLessOrEqual",
-    "qbe_ClauseLessThan",
-    "qbe_ClauseNotContains",
-    "qbe_ClauseNotEqual",
-    "qbe_ClauseNotStartingWith",
-    "qbe_ClauseStartingWith",
-    "qbe_ClauseToday",
-    "qbe_ClauseThisWeek",
-    "qbe_ClauseThisMonth",
-    "qbe_ClauseInList",
-    "qbe_ClauseLastXDays",
-    "qbe_ClauseNotInList",
-    "qbe_ClauseNotIsEmpty",
-    "qbe_ClauseLastXMonths",
-    "qbe_ClauseThisYear",
-    "qbe_ClauseYear",
-    "qbe_ClauseLastXYears",
-    "qbe_ClauseContainsWordsNear",
-    "qbe_ClauseContainsWords",
-    "qbe_ClauseContainsExpression",
-    "qbe_ClauseNextXDays",
-    "qbe_ClauseOverXDays",
-    "qbe_ClauseTimeNow",
-    "qbe_ClauseTimeGreaterThanNow",
-    "qbe_ClauseTimeLessThanNow",
-};
-
 // Conditions beyond this many are not rendered one by one to find the failing ones.
 constexpr int kMaxConditionsChecked = 200;
-
-const char* ClauseName(std::int32_t number) {
-  bool known = number >= 1 && number <= static_cast<std::int32_t>(kClauseNames.size());
-  return known ? kClauseNames[number - 1] : "";
-}
 
 nlohmann::json ClauseJson(std::int32_t number) {
   return {{"number", number},
@@ -312,8 +273,7 @@ nlohmann::json Render(const nlohmann::json& body) {
 
 nlohmann::json ClauseCatalogue() {
   nlohmann::json clauses = nlohmann::json::array();
-  for (std::int32_t number = 1; number <= static_cast<std::int32_t>(kClauseNames.size());
-       ++number) {
+  for (std::int32_t number = 1; number <= kClauseCount; ++number) {
     clauses.push_back(ClauseJson(number));
   }
   return {{"clauses", std::move(clauses)}};
