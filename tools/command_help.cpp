@@ -27,6 +27,8 @@ Other commands:
   clauses --names   the 32 clause numbers with their names and Romanian texts (no FILE)
   b64        standard input through Base64 (encode, decode)
   envelope   what a call envelope carries
+  serve      the saved-query catalogue as an HTTP service (brixq serve --help)
+  catalog    import definitions into that catalogue, or export it (brixq catalog --help)
 
 Exit status: 0 done, 1 error (message on standard error), 2 wrong command line.
 )";

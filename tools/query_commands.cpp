@@ -14,6 +14,7 @@
 #include "runtime/error_numbers.h"
 #include "runtime/variant.h"
 #include "tools/brixq_errors.h"
+#include "tools/clause_names.h"
 #include "tools/file_access.h"
 #include "tools/postgres_runner.h"
 #include "tools/result_table.h"
@@ -164,43 +165,10 @@ bool ReportsProblems(Command command) {
 }  // namespace
 
 std::string ClauseNames() {
-  static constexpr std::array<std::string_view, 32> kNames = {"qbe_ClauseBetween",
-                                                              "qbe_ClauseContains",
-                                                              "qbe_ClauseEqualTo",
-                                                              "qbe_ClauseGreaterOrEqual",
-                                                              "qbe_ClauseGreaterThan",
-                                                              "qbe_ClauseIsEmpty",
-                                                              "qbe_ClauseIsNull",
-                                                              "qbe_ClauseLessOrEqual",
-                                                              "qbe_ClauseLessThan",
-                                                              "qbe_ClauseNotContains",
-                                                              "qbe_ClauseNotEqual",
-                                                              "qbe_ClauseNotStartingWith",
-                                                              "qbe_ClauseStartingWith",
-                                                              "qbe_ClauseToday",
-                                                              "qbe_ClauseThisWeek",
-                                                              "qbe_ClauseThisMonth",
-                                                              "qbe_ClauseInList",
-                                                              "qbe_ClauseLastXDays",
-                                                              "qbe_ClauseNotInList",
-                                                              "qbe_ClauseNotIsEmpty",
-                                                              "qbe_ClauseLastXMonths",
-                                                              "qbe_ClauseThisYear",
-                                                              "qbe_ClauseYear",
-                                                              "qbe_ClauseLastXYears",
-                                                              "qbe_ClauseContainsWordsNear",
-                                                              "qbe_ClauseContainsWords",
-                                                              "qbe_ClauseContainsExpression",
-                                                              "qbe_ClauseNextXDays",
-                                                              "qbe_ClauseOverXDays",
-                                                              "qbe_ClauseTimeNow",
-                                                              "qbe_ClauseTimeGreaterThanNow",
-                                                              "qbe_ClauseTimeLessThanNow"};
   std::string text;
-  for (std::size_t i = 0; i < kNames.size(); ++i) {
-    const auto clause = static_cast<qbe_ClauseOperator>(i + 1);
-    text += std::to_string(clause) + "\t" + std::string(kNames[i]) + "\t" +
-            ClauseDescription(clause) + "\n";
+  for (std::int32_t number = 1; number <= kClauseCount; ++number) {
+    text += std::to_string(number) + "\t" + std::string(ClauseName(number)) + "\t" +
+            ClauseDescription(static_cast<qbe_ClauseOperator>(number)) + "\n";
   }
   return text;
 }
