@@ -26,7 +26,9 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* kJson = "application/json";
+// With the charset named, cpp-httplib leaves answers uncompressed: its brotli at full quality
+// took a second or more for a large render, far longer than sending it.
+constexpr const char* kJson = "application/json; charset=utf-8";
 
 thread_local Clock::time_point request_start;
 
