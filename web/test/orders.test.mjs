@@ -1,0 +1,65 @@
+// A new user's path: create a query from the orders sample, add a "between" condition on the
+// order date, watch the SQL and the description follow, save, reload and find it again.
+import assert from "node:assert/strict";
+import { after, before, test } from "node:test";
+import { brixqOutput, getRecord, settled, startBrowser, startServer } from "./harness.mjs";
+
+let server;
+let browser;
+before(async () => {
+  server = await startServer();
+  browser = await startBrowser();
+});
+after(async () => {
+  await browser?.close();
+  assert.equal(await server?.stop(), 0, "brixq serve stops cleanly");
+});
+
+test("between on a date field: SQL and description update, saved, found after a reload", async () => {
+  const page = await browser.context.newPage();
+  await page.goto(server.url + "/");
+  await page.getByLabel("Sample", { exact: true }).selectOption("orders");
+  await page.getByLabel("Name", { exact: true }).fill("Comenzi de test");
+  await page.getByRole("button", { name: "Create" }).click();
+  await page.waitForURL(/#\/q\//);
+  await settled(page);
+
+  const field = page.locator("section.field", { has: page.getByRole("heading", { name: /Data comenzii/ }) });
+  const before = await field.locator("li.condition").count();
+  await field.getByRole("button", { name: /Add a condition/ }).click();
+  const row = field.locator("li.condition").nth(before);
+  const clause = row.getByLabel("Clause");
+  const between = await clause.locator("option", { hasText: "intre" }).first().getAttribute("value");
+  await clause.selectOption(between);
+  await row.getByLabel("From").fill("2024-04-01");
+  await row.getByLabel("To").fill("2024-04-30");
+  await settled(page);
+
+  await assert.doesNotReject(page.waitForFunction(() =>
+    document.querySelector("#out-sql").textContent.includes("#45383#")));
+  const description = (await row.locator("p.description").textContent()) ?? "";
+  assert.match(description, /este intre 01-Apr-2024 si 30-Apr-2024$/);
+
+  await page.getByRole("button", { name: "Save" }).click();
+  await page.waitForFunction(() => document.querySelector("#save-state").textContent === "All changes saved");
+  const id = decodeURIComponent(new URL(page.url()).hash.slice("#/q/".length));
+
+  // Every text shown is the engine's own for the stored document.
+  const stored = String((await getRecord(server.url, id)).QueryDef);
+  await settled(page);
+  assert.equal(await page.locator("#out-sql").textContent(), (await brixqOutput("sql", stored)).replace(/\n$/, ""));
+  const lines = (await brixqOutput("describe", stored)).trimEnd().split("\n").map((l) => l.split("\t").slice(1).join("\t"));
+  assert.deepEqual(await page.locator("#out-descriptions li").allTextContents(), lines);
+
+  await page.reload();
+  await settled(page);
+  const again = page.locator("section.field", { has: page.getByRole("heading", { name: /Data comenzii/ }) });
+  assert.equal(await again.locator("li.condition").count(), before + 1);
+  assert.match((await again.locator("p.description").last().textContent()) ?? "", /01-Apr-2024 si 30-Apr-2024/);
+  assert.equal(await page.locator("#save-state").textContent(), "All changes saved");
+
+  await page.goto(server.url + "/#/");
+  await page.getByLabel("Search").fill("de test");
+  await assert.doesNotReject(page.getByRole("link", { name: "Comenzi de test" }).waitFor());
+  await page.close();
+});
