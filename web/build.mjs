@@ -16,7 +16,6 @@ await build({
   minify: true,
   format: "esm",
   target: "es2022",
-  sourcemap: true,
   outfile: join(outdir, "app.js"),
   logLevel: "warning",
 });

@@ -12,15 +12,15 @@ export class Session {
   private undoStack: string[] = [];
   private lastGroup = "";
   private lastEditAt = 0;
-  private savedText: string;
+  private savedText = "";
   dirty = false;
 
   constructor(
     public record: QueryRecord,
     public etag: string,
   ) {
-    this.savedText = String(record["QueryDef"] ?? "");
-    this.definition = new Definition(this.savedText);
+    this.definition = new Definition(String(record["QueryDef"] ?? ""));
+    this.savedText = this.definition.text(); // as the page writes it, so undo can compare
   }
 
   get id(): string {
@@ -64,8 +64,8 @@ export class Session {
   stored(record: QueryRecord, etag: string): void {
     this.record = record;
     this.etag = etag;
-    this.savedText = String(record["QueryDef"] ?? "");
-    this.definition = new Definition(this.savedText);
+    this.definition = new Definition(String(record["QueryDef"] ?? ""));
+    this.savedText = this.definition.text();
     this.undoStack = [];
     this.lastGroup = "";
     this.dirty = false;

@@ -1,0 +1,78 @@
+// Speed as the page feels it, measured and printed, not asserted: the output after a keystroke on a
+// definition of 2,000 conditions, and the catalogue holding 10,000 saved queries.
+import assert from "node:assert/strict";
+import { after, before, test } from "node:test";
+import { createQuery, sample, settled, startBrowser, startServer } from "./harness.mjs";
+
+let server;
+let browser;
+before(async () => {
+  server = await startServer();
+  browser = await startBrowser();
+});
+after(async () => {
+  await browser?.close();
+  assert.equal(await server?.stop(), 0);
+});
+
+function manyConditions(orders, count) {
+  const conditions = [];
+  for (let i = 1; i <= count; ++i) {
+    conditions.push(`<xqb_Condition name="Condition${i}"><ConditionID>${20000 + i}</ConditionID><ParamName/><Clause>4</Clause>` +
+      `<WhereClauseLogic>1</WhereClauseLogic><Value>${i}</Value><SecondaryValue/><IsEditable>True</IsEditable><Tag/></xqb_Condition>`);
+  }
+  const start = orders.indexOf("<ConditionsCount>", orders.indexOf("<DBName>Quantity</DBName>"));
+  const end = orders.indexOf("</xqb_Field>", start);
+  return `${orders.slice(0, start)}<ConditionsCount>${count}</ConditionsCount>${conditions.join("")}${orders.slice(end)}`;
+}
+
+const median = (list) => [...list].sort((a, b) => a - b)[Math.floor(list.length / 2)];
+
+test("output refresh after a keystroke, 2,000 conditions", async () => {
+  await createQuery(server.url, "big", "Big", manyConditions(await sample("orders"), 2000));
+  const page = await browser.context.newPage();
+  const opening = performance.now();
+  await page.goto(`${server.url}/#/q/big`);
+  await settled(page);
+  const openMs = performance.now() - opening;
+  const box = page.locator('li[data-condition-id="21000"]').getByLabel("Value");
+  const times = [];
+  for (let i = 0; i < 8; ++i) {
+    const before = await page.evaluate(() => window.brixTimings.refreshes);
+    await box.press(i % 2 ? "Backspace" : "7");
+    await page.waitForFunction((n) => window.brixTimings.refreshes > n && document.querySelector(".render-state").textContent === "", before);
+    times.push(await page.evaluate(() => window.brixTimings.lastRefreshMs));
+  }
+  assert.equal(await page.locator("#out-descriptions li").count(), 2005);
+  console.log(`2,000 conditions: page open ${openMs.toFixed(0)} ms; output refreshed ${median(times).toFixed(0)} ms ` +
+    `after the last keystroke (median of ${times.length}, max ${Math.max(...times).toFixed(0)} ms, debounce included)`);
+});
+
+test("catalogue of 10,000 saved queries, paged", async () => {
+  const definition = await sample("parameter_query");
+  const filling = performance.now();
+  const total = 10000;
+  let next = 0;
+  await Promise.all(Array.from({ length: 4 }, async () => {
+    while (next < total) {
+      const n = next++;
+      await createQuery(server.url, `q${String(n).padStart(5, "0")}`, `Interogare ${n}`, definition);
+    }
+  }));
+  const fillMs = performance.now() - filling;
+  const page = await browser.context.newPage();
+  const opening = performance.now();
+  await page.goto(`${server.url}/#/`);
+  await page.getByText(`1–50 of ${total}`).waitFor();
+  const openMs = performance.now() - opening;
+  const paging = performance.now();
+  await page.getByRole("button", { name: "Next" }).click();
+  await page.getByText(`51–100 of ${total}`).waitFor();
+  const pageMs = performance.now() - paging;
+  const searching = performance.now();
+  await page.getByLabel("Search").fill("Interogare 9999");
+  await page.getByText("1–1 of 1").waitFor();
+  const searchMs = performance.now() - searching;
+  console.log(`catalogue of ${total}: stored in ${(fillMs / 1000).toFixed(1)} s; first page shown ${openMs.toFixed(0)} ms, ` +
+    `next page ${pageMs.toFixed(0)} ms, search ${searchMs.toFixed(0)} ms (200 ms typing pause included)`);
+});
