@@ -80,7 +80,10 @@ export class EditorView {
     for (const [id, node] of this.errorNodes) {
       const error = byId.get(id);
       const text = error ? error.description : "";
-      if (node.textContent !== text) node.textContent = text;
+      if (node.dataset.text !== text) {
+        node.dataset.text = text;
+        node.replaceChildren(h("span", { class: "lead" }, "This condition cannot be used: "), h("span", { class: "reason" }, text));
+      }
       node.hidden = !error;
       const row = node.closest(".condition");
       row?.classList.toggle("has-error", Boolean(error));

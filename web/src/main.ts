@@ -17,6 +17,7 @@ interface Timings {
 declare global {
   interface Window {
     brixTimings: Timings;
+    brixDefinition: () => string;
   }
 }
 
@@ -61,7 +62,9 @@ class App {
   );
 
   constructor() {
+    // For the browser tests and for trying the page from the console.
     window.brixTimings = { lastRefreshMs: 0, refreshes: 0 };
+    window.brixDefinition = () => this.session?.definition.text() ?? "";
     this.saveButton.addEventListener("click", () => void this.save());
     this.undoButton.addEventListener("click", () => this.undo());
     window.addEventListener("hashchange", () => void this.route());

@@ -2,7 +2,7 @@
 // order date, watch the SQL and the description follow, save, reload and find it again.
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
-import { brixqOutput, getRecord, settled, startBrowser, startServer } from "./harness.mjs";
+import { brixqOutput, getRecord, renderText, settled, startBrowser, startServer } from "./harness.mjs";
 
 let server;
 let browser;
@@ -62,4 +62,37 @@ test("between on a date field: SQL and description update, saved, found after a 
   await page.getByLabel("Search").fill("de test");
   await assert.doesNotReject(page.getByRole("link", { name: "Comenzi de test" }).waitFor());
   await page.close();
+});
+
+test("a value the engine cannot use is shown as an error beside its condition", async () => {
+  const page = await browser.context.newPage();
+  await page.goto(server.url + "/");
+  await page.getByLabel("Sample", { exact: true }).selectOption("orders");
+  await page.getByLabel("Name", { exact: true }).fill("Valoare gresita");
+  await page.getByRole("button", { name: "Create" }).click();
+  await page.waitForURL(/#\/q\//);
+  await settled(page);
+  const sqlBefore = await page.locator("#out-sql").textContent();
+
+  const field = page.locator("section.field", { has: page.getByRole("heading", { name: /^Cantitate/ }) });
+  const value = field.getByLabel("Value");
+  await value.fill("doi");
+  await settled(page);
+  const error = field.locator("p.error");
+  await error.waitFor();
+  const definition = await page.evaluate(() => window.brixDefinition());
+  const answer = await renderText(server.url, definition);
+  assert.equal(answer.status, 422);
+  const expected = answer.body.conditionErrors.find((e) => e.conditionId === 103);
+  assert.ok(expected, "the server names the condition");
+  assert.equal(await error.locator(".reason").textContent(), expected.description);
+  assert.equal(await value.getAttribute("aria-invalid"), "true");
+  assert.ok(await page.locator(".output .banner").isVisible());
+  assert.equal(await page.locator("#out-sql").textContent(), sqlBefore, "the last good output stays");
+
+  await value.fill("2");
+  await settled(page);
+  assert.ok(await error.isHidden());
+  assert.ok(await page.locator(".output .banner").isHidden());
+  assert.equal(await value.getAttribute("aria-invalid"), null);
 });
