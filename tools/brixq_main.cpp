@@ -13,6 +13,8 @@
 #include "tools/envelope_command.h"
 #include "tools/file_access.h"
 #include "tools/query_commands.h"
+#include "tools/serve_command.h"
+#include "tools/serve_options.h"
 
 namespace {
 
@@ -21,6 +23,7 @@ constexpr int kExitUsage = 2;
 
 int Main(const std::vector<std::string_view>& args) {
   using namespace brix::brixq;
+  if (IsServeCommand(args) || IsCatalogCommand(args)) return RunServiceCommand(args);
   Options options;
   Base64Options base64;
   EnvelopeOptions envelope;

@@ -16,6 +16,8 @@ constexpr std::string_view kUsage =
        brixq --help | --version
        brixq b64 encode [--span N] | brixq b64 decode
        brixq envelope FILE [--compressed]
+       brixq serve [OPTIONS] | brixq catalog import FILE... | brixq catalog export
+         (the catalogue service: brixq serve --help)
 
 Loads the query definition document FILE ("-" reads standard input) and prints:
   sql        the SELECT statement (ReturnSQL)
