@@ -80,6 +80,7 @@ export class EditorView {
     for (const [id, node] of this.errorNodes) {
       const error = byId.get(id);
       const text = error ? error.description : "";
+      if (node.dataset.text === text && node.hidden === !error) continue;
       if (node.dataset.text !== text) {
         node.dataset.text = text;
         node.replaceChildren(h("span", { class: "lead" }, "This condition cannot be used: "), h("span", { class: "reason" }, text));
@@ -211,7 +212,7 @@ export class EditorView {
     const described = `${descriptionId} ${errorId}`;
 
     const description = h("p", { class: "description", id: descriptionId });
-    const error = h("p", { class: "error", id: errorId, role: "alert", hidden: true });
+    const error = h("p", { class: "error", id: errorId, role: "alert", hidden: true, "data-text": "" });
     this.descriptionNodes.set(id, description);
     this.errorNodes.set(id, error);
 
@@ -291,12 +292,12 @@ export class EditorView {
     const offered: Clause[] = [...entry.rendered.clauses];
     if (!offered.some((c) => c.number === current)) {
       // A clause the field no longer offers stays visible, so an untouched condition is kept.
-      offered.push({ number: current, name: this.clauseNames.get(current) ?? `(${current})` });
+      offered.push({ number: current, name: "", description: this.clauseNames.get(current) ?? `(${current})` });
     }
     const select = h(
       "select",
       { id, class: "clause", "aria-label": "Clause", "aria-describedby": described },
-      offered.map((c) => h("option", { value: String(c.number) }, c.name)),
+      offered.map((c) => h("option", { value: String(c.number) }, clauseText(c))),
     );
     select.value = String(current);
     select.disabled = !editable;
@@ -432,4 +433,9 @@ function changeClause(element: Element, from: number, to: number): void {
   const keepFirst = before === after || (before !== "none" && (before === "single" || before === "range") && (after === "single" || after === "range"));
   if (!keepFirst && (readVariant(element, "Value") ?? "") !== "") setRow(element, "Value", "");
   if (after !== "range" && (readVariant(element, "SecondaryValue") ?? "") !== "") setRow(element, "SecondaryValue", "");
+}
+
+/** The clause's Romanian text as the engine gives it; its identifier where there is none. */
+function clauseText(clause: Clause): string {
+  return clause.description || clause.name;
 }

@@ -11,6 +11,7 @@ const kDebounce = 40;
 
 interface Timings {
   lastRefreshMs: number;
+  lastServerMs: number;
   refreshes: number;
 }
 
@@ -63,7 +64,7 @@ class App {
 
   constructor() {
     // For the browser tests and for trying the page from the console.
-    window.brixTimings = { lastRefreshMs: 0, refreshes: 0 };
+    window.brixTimings = { lastRefreshMs: 0, lastServerMs: 0, refreshes: 0 };
     window.brixDefinition = () => this.session?.definition.text() ?? "";
     this.saveButton.addEventListener("click", () => void this.save());
     this.undoButton.addEventListener("click", () => this.undo());
@@ -76,7 +77,9 @@ class App {
 
   async start(): Promise<void> {
     try {
-      for (const clause of await clauseCatalogue()) this.clauseNames.set(clause.number, clause.name);
+      for (const clause of await clauseCatalogue()) {
+        this.clauseNames.set(clause.number, clause.description || clause.name);
+      }
     } catch (error) {
       this.showError(error);
     }
@@ -215,11 +218,13 @@ class App {
       this.output.failed(error, error.conditionErrors.length > 0);
       this.editor.showErrors(error.conditionErrors);
     }
-    if (editAt > 0) {
-      window.brixTimings.lastRefreshMs = performance.now() - editAt;
+    // Measured when the next frame starts, once the new output has been laid out.
+    requestAnimationFrame(() => {
+      if (editAt > 0) window.brixTimings.lastRefreshMs = performance.now() - editAt;
+      window.brixTimings.lastServerMs = lastRenderRequestMs();
       window.brixTimings.refreshes += 1;
-    }
-    document.body.dataset.rendered = String(seq);
+      document.body.dataset.rendered = String(seq);
+    });
   }
 
   // The fields and their clause lists do not depend on the conditions, so a definition that does
@@ -340,5 +345,13 @@ class App {
   }
 }
 
+
+/** How long the last render request took from sending to the answer's last byte. */
+function lastRenderRequestMs(): number {
+  const entries = performance.getEntriesByType("resource") as PerformanceResourceTiming[];
+  const last = entries.filter((e) => e.name.endsWith("/api/render")).pop();
+  performance.clearResourceTimings();
+  return last ? last.responseEnd - last.requestStart : 0;
+}
 
 void new App().start();

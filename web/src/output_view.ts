@@ -112,23 +112,36 @@ export class OutputView {
     );
   }
 
+  // Rows are updated in place: a keystroke changes one parameter of possibly thousands.
   private statement(box: HTMLElement, statement: Statement | undefined): void {
     if (!statement) {
       box.replaceChildren();
       return;
     }
-    const pre = box.querySelector("pre") ?? h("pre", { class: "code", tabindex: 0 });
+    let pre = box.querySelector("pre");
+    let body = box.querySelector("tbody");
+    let none = box.querySelector("p.note") as HTMLElement | null;
+    if (!pre || !body || !none) {
+      pre = h("pre", { class: "code", tabindex: 0 });
+      body = h("tbody", {});
+      none = h("p", { class: "note" }, "No parameters.");
+      const head = h("tr", {}, h("th", { scope: "col" }, "Parameter"), h("th", { scope: "col" }, "Type"), h("th", { scope: "col" }, "Value"));
+      box.replaceChildren(pre, h("table", { class: "parameters" }, h("thead", {}, head), body), none);
+    }
     setText(pre, statement.sql);
-    const rows = statement.parameters.map((p: Parameter, i: number) =>
-      h("tr", {}, h("td", {}, p.placeholder ?? String(i + 1)), h("td", {}, p.type), h("td", {}, valueText(p.value))),
-    );
-    const table = h(
-      "table",
-      { class: "parameters" },
-      h("thead", {}, h("tr", {}, h("th", { scope: "col" }, "Parameter"), h("th", { scope: "col" }, "Type"), h("th", { scope: "col" }, "Value"))),
-      h("tbody", {}, rows),
-    );
-    box.replaceChildren(pre, statement.parameters.length ? table : h("p", { class: "note" }, "No parameters."));
+    const rows = body.rows;
+    statement.parameters.forEach((p: Parameter, i: number) => {
+      const cells = [p.placeholder ?? String(i + 1), p.type, valueText(p.value)];
+      const row = rows[i];
+      if (!row) {
+        body.appendChild(h("tr", {}, cells.map((text) => h("td", {}, text))));
+        return;
+      }
+      cells.forEach((text, c) => setText(row.cells[c], text));
+    });
+    while (rows.length > statement.parameters.length) body.lastElementChild?.remove();
+    (body.parentElement as HTMLElement).hidden = statement.parameters.length === 0;
+    none.hidden = statement.parameters.length > 0;
   }
 }
 

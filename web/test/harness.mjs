@@ -18,13 +18,16 @@ export async function startServer() {
   const folder = await mkdtemp(join(tmpdir(), "brixq-web-"));
   const args = ["serve", "--listen", "127.0.0.1:0", "--catalog", `sqlite:${join(folder, "catalog.db")}`];
   if (process.env.BRIXQ_WEB) args.push("--web", process.env.BRIXQ_WEB);
-  const child = spawn(brixq, args, { stdio: ["ignore", "pipe", "inherit"] });
+  // The request log goes to standard error: kept quiet, its end shown if the server fails.
+  const child = spawn(brixq, args, { stdio: ["ignore", "pipe", "pipe"] });
+  let log = "";
+  child.stderr.on("data", (chunk) => (log = (log + chunk).slice(-4000)));
   const exited = new Promise((done) => child.once("exit", (code, signal) => done({ code, signal })));
   const lines = createInterface({ input: child.stdout });
   const first = await Promise.race([
     new Promise((done) => lines.once("line", done)),
     exited.then(({ code }) => {
-      throw new Error(`brixq serve ended before it listened (exit ${code})`);
+      throw new Error(`brixq serve ended before it listened (exit ${code}):\n${log}`);
     }),
   ]);
   const match = /listening on (http:\/\/\S+?)\/?$/.exec(first);
