@@ -13,6 +13,7 @@ try {
   await createQuery(server.url, "clienti-oras", "Clienti dintr-un oras", await sample("parameter_query"));
   const page = await browser.context.newPage();
   const shot = (name) => page.screenshot({ path: join(out, `${name}.png`) });
+  const center = (locator) => locator.evaluate((e) => e.scrollIntoView({ block: "center" }));
 
   await page.goto(server.url + "/");
   await page.getByRole("link", { name: "Comenzi martie 2024" }).waitFor();
@@ -30,14 +31,18 @@ try {
   await row.getByLabel("From").fill("2024-04-01");
   await row.getByLabel("To").fill("2024-04-15");
   await settled(page);
+  await center(row);
   await shot("3-between-added");
 
   const quantity = page.locator("section.field", { has: page.getByRole("heading", { name: /^Cantitate/ }) });
   await quantity.getByLabel("Value").fill("doi");
   await settled(page);
+  await center(quantity);
   await shot("4-invalid-value");
   await quantity.getByLabel("Value").fill("2");
   await settled(page);
+  await page.getByRole("button", { name: "Save" }).click();
+  await page.locator("#save-state", { hasText: "All changes saved" }).waitFor();
 
   await page.goto(server.url + "/#/q/clienti-oras");
   await settled(page);
@@ -47,6 +52,8 @@ try {
 
   await page.setViewportSize({ width: 420, height: 860 });
   await page.goto(server.url + "/#/q/comenzi-martie");
+  await page.locator("#query-title", { hasText: "Comenzi martie 2024" }).waitFor();
+  await page.locator("section.field").first().waitFor();
   await settled(page);
   await shot("6-narrow");
   console.log(`screenshots written to ${out}`);

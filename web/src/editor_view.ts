@@ -121,14 +121,13 @@ export class EditorView {
       "section",
       { class: rendered.visible ? "field" : "field hidden-field", "aria-labelledby": headingId },
       h(
-        "h3",
-        { id: headingId },
-        rendered.caption || rendered.field,
-        h("span", { class: "dbname" }, ` ${rendered.field}`),
+        "div",
+        { class: "field-head" },
+        h("h3", { id: headingId }, rendered.caption || rendered.field, h("span", { class: "dbname" }, ` ${rendered.field}`)),
+        add,
       ),
       this.settings(entry),
       list,
-      add,
     );
   }
 

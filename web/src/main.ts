@@ -206,6 +206,7 @@ class App {
       if (seq !== this.renderSeq || session !== this.session) return;
       this.useFields(rendered.fields);
       this.output.show(rendered);
+      this.editor.element.classList.remove("stale");
       this.editor.showDescriptions(rendered.descriptions);
       const problems: ConditionError[] = (rendered.problems ?? [])
         .filter((p) => p.conditionId !== undefined)
@@ -216,6 +217,7 @@ class App {
       if (!(error instanceof ApiError)) return; // aborted by a newer request
       if (this.fields.length === 0) await this.renderStructure(session);
       this.output.failed(error, error.conditionErrors.length > 0);
+      this.editor.element.classList.add("stale");
       this.editor.showErrors(error.conditionErrors);
     }
     // Measured when the next frame starts, once the new output has been laid out.

@@ -80,6 +80,7 @@ export class OutputView {
 
   show(rendered: Rendered): void {
     this.banner.hidden = true;
+    this.element.classList.remove("stale");
     this.state.textContent = "";
     setText(this.sql, rendered.sql);
     this.statement(this.sqlite, rendered.statements?.sqlite);
@@ -103,12 +104,18 @@ export class OutputView {
   failed(error: ApiError, onCondition: boolean): void {
     this.state.textContent = "";
     this.banner.hidden = false;
-    const where = onCondition ? " The condition it comes from is marked in the editor." : "";
+    this.element.classList.add("stale");
     this.banner.replaceChildren(
-      h("strong", {}, "The engine cannot use this definition as it stands. "),
-      error.error.description,
-      where,
-      h("span", { class: "note" }, ` (${error.error.source}, ${error.error.hex ?? error.error.number})`),
+      h("strong", {}, "The engine cannot use this definition as it stands:"),
+      h("span", { class: "reason" }, error.error.description),
+      h("span", { class: "note" }, `${error.error.source}, ${error.error.hex ?? error.error.number}`),
+      h(
+        "span",
+        {},
+        onCondition
+          ? "The condition it comes from is marked in the editor. Below: the last output that rendered."
+          : "Below: the last output that rendered.",
+      ),
     );
   }
 
