@@ -156,7 +156,7 @@ void LogLine(const httplib::Request& request, const httplib::Response& response)
 std::string StatusText(int status) {
   switch (status) {
     case 400:
-      return "the request is malformed";
+      return "the request is malformed or incomplete (a client slower than the timeout)";
     case 404:
       return "there is nothing at this path";
     case 405:

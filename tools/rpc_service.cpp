@@ -31,7 +31,7 @@ std::int32_t LongParam(const cMarshall& call, std::string_view name, std::int32_
 std::shared_ptr<clsQSOM_DM> RecordParam(const cMarshall& call, std::string_view name) {
   Variant value = call.ReadParam(name);
   auto record = value.IsObject() ? std::dynamic_pointer_cast<clsQSOM_DM>(value.AsObject()) : nullptr;
-  if (!record) Raise(kErrInvalidProcedureCall, kSource, "the parameter Query must be a clsQSOM_DM");
+  if (!record) Raise(kErrInvalidProcedureCall, kSource, "the parameter Record must be a clsQSOM_DM");
   return record;
 }
 
@@ -78,7 +78,9 @@ void Dispatch(CatalogService& catalog, const cMarshall& call, cMarshall& answer,
     if (!may_write) throw ApiError(401, "SaveQuery needs the server's token");
     WriteCondition condition;
     if (HasParam(call, "Version")) condition.if_match = LongParam(call, "Version", 0);
-    auto record = RecordParam(call, "Query");
+    // Overwrite True replaces whatever version is stored; without it replacing needs Version.
+    condition.require_match = !(HasParam(call, "Overwrite") && CBool(call.ReadParam("Overwrite")));
+    auto record = RecordParam(call, "Record");
     std::string id = record->ID();
     SavedRecord saved = catalog.Save(id, record, condition, user);
     answer.SetRetval(Variant(static_cast<std::int32_t>(saved.stored.version)));

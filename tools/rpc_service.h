@@ -13,8 +13,8 @@ namespace brix::brixq {
 /// - ListQueries([Search], [Offset], [Limit]): Retval the number of records returned, "Total"
 ///   the number matching, "Query1".."QueryN" the records (clsQSOM_DM, without QueryDef).
 /// - LoadQuery(ID): Retval the record (clsQSOM_DM), "Version" its version.
-/// - SaveQuery(Query: clsQSOM_DM, [Version]): Retval the new version. Replacing needs the
-///   version read.
+/// - SaveQuery(Record: clsQSOM_DM, [Overwrite], [Version]): Retval the new version. Replacing
+///   needs the version read, or Overwrite True.
 /// - RenderSQL(QueryDef, [TopRecords]): Retval the SELECT statement.
 /// The answer carries the caller's class, procedure and session. Any failure - bytes that are no
 /// envelope, an unknown class or procedure, a refused write - is answered in ErrorNo,
