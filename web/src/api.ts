@@ -91,13 +91,35 @@ export class ApiError extends Error {
   }
 }
 
-async function call<T>(path: string, init: RequestInit = {}): Promise<{ body: T; etag: string | null }> {
-  let response: Response;
+// A server started with a token takes writes only with it; the page asks once and keeps it for
+// the browser tab.
+const kTokenKey = "brixq-token";
+let askToken: (() => Promise<string | null>) | null = null;
+
+export function setTokenPrompt(prompt: () => Promise<string | null>): void {
+  askToken = prompt;
+}
+
+async function send(path: string, init: RequestInit): Promise<Response> {
+  const token = sessionStorage.getItem(kTokenKey);
+  const headers = new Headers(init.headers);
+  if (token) headers.set("Authorization", `Bearer ${token}`);
   try {
-    response = await fetch(path, init);
+    return await fetch(path, { ...init, headers });
   } catch (e) {
     if (e instanceof DOMException && e.name === "AbortError") throw e;
     throw new ApiError(0, noNumber("The server cannot be reached."), {});
+  }
+}
+
+async function call<T>(path: string, init: RequestInit = {}): Promise<{ body: T; etag: string | null }> {
+  let response = await send(path, init);
+  if (response.status === 401 && askToken) {
+    const token = await askToken();
+    if (token) {
+      sessionStorage.setItem(kTokenKey, token);
+      response = await send(path, init);
+    }
   }
   const etag = response.headers.get("ETag");
   if (response.status === 204) return { body: undefined as T, etag };

@@ -1,6 +1,15 @@
 // The query-by-example page: the catalogue, and the editor of one saved query with its live output.
 
-import { ApiError, clauseCatalogue, ConditionError, getQuery, putQuery, render, RenderedField } from "./api";
+import {
+  ApiError,
+  clauseCatalogue,
+  ConditionError,
+  getQuery,
+  putQuery,
+  render,
+  RenderedField,
+  setTokenPrompt,
+} from "./api";
 import { CatalogueView, choiceDialog } from "./catalogue_view";
 import { announce, h } from "./dom";
 import { EditorView } from "./editor_view";
@@ -73,6 +82,37 @@ class App {
       if (this.session?.dirty) event.preventDefault();
     });
     document.addEventListener("keydown", (event) => this.shortcut(event));
+    setTokenPrompt(() => this.askToken());
+  }
+
+  private askToken(): Promise<string | null> {
+    return new Promise((resolve) => {
+      const input = h("input", { type: "password", id: "token", autocomplete: "off" });
+      const form = h(
+        "form",
+        { method: "dialog" },
+        h("h2", { id: "dialog-title" }, "This server needs its access token to save"),
+        h("p", {}, h("label", { for: "token" }, "Token"), " ", input),
+        h("div", { class: "dialog-buttons" }, h("button", { type: "submit", class: "primary" }, "Use token"), h("button", { type: "button", value: "" }, "Cancel")),
+      );
+      const opener = document.activeElement as HTMLElement | null;
+      const listening = new AbortController();
+      const done = (token: string | null) => {
+        listening.abort();
+        this.dialog.close();
+        opener?.focus();
+        resolve(token);
+      };
+      form.addEventListener("submit", (event) => {
+        event.preventDefault();
+        done(input.value || null);
+      });
+      form.querySelector("button[type=button]")?.addEventListener("click", () => done(null));
+      this.dialog.replaceChildren(form);
+      this.dialog.addEventListener("cancel", () => done(null), { signal: listening.signal });
+      this.dialog.showModal();
+      input.focus();
+    });
   }
 
   async start(): Promise<void> {

@@ -1,7 +1,7 @@
 // Test support: a `brixq serve` on an ephemeral port with a temporary catalogue, and Debian's
 // chromium driven through playwright-core (the system browser; nothing is downloaded).
 import { spawn } from "node:child_process";
-import { mkdtemp, readFile, rm } from "node:fs/promises";
+import { mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { dirname, join, resolve } from "node:path";
 import { createInterface } from "node:readline";
@@ -14,9 +14,13 @@ export const repository = resolve(here, "../..");
 /** brixq comes from BRIXQ (set by CTest); the page from BRIXQ_WEB, else the server's default. */
 export const brixq = process.env.BRIXQ ?? resolve(repository, "build/release/tools/brixq");
 
-export async function startServer() {
+export async function startServer({ token = "" } = {}) {
   const folder = await mkdtemp(join(tmpdir(), "brixq-web-"));
   const args = ["serve", "--listen", "127.0.0.1:0", "--catalog", `sqlite:${join(folder, "catalog.db")}`];
+  if (token) {
+    await writeFile(join(folder, "token"), `${token}\n`, { mode: 0o600 });
+    args.push("--token-file", join(folder, "token"));
+  }
   if (process.env.BRIXQ_WEB) args.push("--web", process.env.BRIXQ_WEB);
   // The request log goes to standard error: kept quiet, its end shown if the server fails.
   const child = spawn(brixq, args, { stdio: ["ignore", "pipe", "pipe"] });
@@ -81,11 +85,13 @@ export async function sample(name) {
 }
 
 /** Stores a new record through the API, as the page would. */
-export async function createQuery(url, id, name, definition) {
+export async function createQuery(url, id, name, definition, token = "") {
   const record = { ID: id, Name: name, Category: "test", QueryDef: definition, IsEditable: true };
+  const headers = { "Content-Type": "application/json", "If-None-Match": "*" };
+  if (token) headers.Authorization = `Bearer ${token}`;
   const response = await fetch(`${url}/api/queries/${id}`, {
     method: "PUT",
-    headers: { "Content-Type": "application/json", "If-None-Match": "*" },
+    headers,
     body: JSON.stringify(record),
   });
   if (!response.ok) throw new Error(`PUT ${id}: ${response.status} ${await response.text()}`);
@@ -98,11 +104,11 @@ export async function getRecord(url, id) {
   return response.json();
 }
 
-export async function renderText(url, definition) {
+export async function renderText(url, definition, options = {}) {
   const response = await fetch(`${url}/api/render`, {
     method: "POST",
     headers: { "Content-Type": "application/json" },
-    body: JSON.stringify({ definition }),
+    body: JSON.stringify({ definition, ...options }),
   });
   return { status: response.status, body: await response.json() };
 }

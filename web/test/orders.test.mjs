@@ -2,7 +2,7 @@
 // order date, watch the SQL and the description follow, save, reload and find it again.
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
-import { brixqOutput, getRecord, renderText, settled, startBrowser, startServer } from "./harness.mjs";
+import { brixqOutput, createQuery, getRecord, renderText, sample, settled, startBrowser, startServer } from "./harness.mjs";
 
 let server;
 let browser;
@@ -95,4 +95,41 @@ test("a value the engine cannot use is shown as an error beside its condition", 
   assert.ok(await error.isHidden());
   assert.ok(await page.locator(".output .banner").isHidden());
   assert.equal(await value.getAttribute("aria-invalid"), null);
+});
+
+test("a fixed day and parameter values give the engine's texts for that day and those values", async () => {
+  await createQuery(server.url, "today", "Azi", await sample("orders"));
+  await createQuery(server.url, "city", "Oras", await sample("parameter_query"));
+  const page = await browser.context.newPage();
+  await page.goto(`${server.url}/#/q/today`);
+  await settled(page);
+  const field = page.locator("section.field", { has: page.getByRole("heading", { name: /Data comenzii/ }) });
+  await field.getByRole("button", { name: /Add a condition/ }).click();
+  const clause = field.locator("li.condition").last().getByLabel("Clause");
+  await clause.selectOption(await clause.locator("option", { hasText: /^astazi$/ }).getAttribute("value"));
+  await page.getByLabel("Today is").fill("2024-03-15");
+  await settled(page);
+  const definition = await page.evaluate(() => window.brixDefinition());
+  const expected = (await brixqOutput("sql", definition, ["--date", "2024-03-15"])).replace(/\n$/, "");
+  assert.equal(await page.locator("#out-sql").textContent(), expected);
+  assert.match(expected, /#45366#/);
+
+  // Unsaved changes: leaving asks first.
+  await page.goto(`${server.url}/#/q/city`);
+  const leave = page.getByRole("dialog", { name: "Leave without saving?" });
+  await leave.getByRole("button", { name: "Cancel" }).click();
+  assert.match(page.url(), /#\/q\/today$/);
+  await page.goto(`${server.url}/#/q/city`);
+  await leave.getByRole("button", { name: "Leave without saving" }).click();
+  await page.locator("#query-title", { hasText: "Oras" }).waitFor();
+  await page.getByLabel("Parameter Oras").fill("Cluj, Iasi");
+  await settled(page);
+  const city = await page.evaluate(() => window.brixDefinition());
+  const withValues = (await brixqOutput("sql", city, ["--param", "Oras=Cluj,Iasi"])).replace(/\n$/, "");
+  assert.equal(await page.locator("#out-sql").textContent(), withValues);
+  const answer = await renderText(server.url, city, { params: [{ name: "Oras", values: ["Cluj", "Iasi"] }] });
+  assert.deepEqual(
+    await page.locator("#out-sqlite table.parameters tbody td:nth-child(3)").allTextContents(),
+    answer.body.statements.sqlite.parameters.map((p) => String(p.value)),
+  );
 });
