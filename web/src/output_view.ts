@@ -15,6 +15,7 @@ export class OutputView {
   private readonly banner = h("div", { class: "banner error", role: "alert", hidden: true });
   private readonly state = h("p", { class: "render-state", "aria-live": "polite" });
   private readonly sql = h("pre", { id: "out-sql", class: "code", tabindex: 0, "aria-label": "SQL" });
+  private readonly where = h("pre", { id: "out-where", class: "code", tabindex: 0, "aria-label": "WHERE" });
   private readonly sqlite = h("div", { id: "out-sqlite" });
   private readonly postgresql = h("div", { id: "out-postgresql" });
   private readonly fullText = h("pre", { id: "out-fulltext", class: "code", tabindex: 0, "aria-label": "Full-text request" });
@@ -45,6 +46,7 @@ export class OutputView {
       this.state,
       this.banner,
       section("SQL", this.sql),
+      section("WHERE alone", this.where, false),
       section("SQLite statement", this.sqlite),
       section("PostgreSQL statement", this.postgresql, false),
       section("Full-text request", this.fullText, false),
@@ -83,6 +85,7 @@ export class OutputView {
     this.element.classList.remove("stale");
     this.state.textContent = "";
     setText(this.sql, rendered.sql);
+    setText(this.where, rendered.where);
     this.statement(this.sqlite, rendered.statements?.sqlite);
     this.statement(this.postgresql, rendered.statements?.postgresql);
     setText(this.fullText, rendered.fullText);
