@@ -1,29 +1,20 @@
 // The catalogue on a server that takes writes only with its token: deleting asks for a confirmation
 // first, then for the token, once per browser tab.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { createQuery, sample, startBrowser, startServer } from "./harness.mjs";
+import { test } from "node:test";
+import { createQuery, sample, useServerAndBrowser } from "./harness.mjs";
 
 const token = "s3cret-token";
-let server;
-let browser;
-before(async () => {
-  server = await startServer({ token });
-  browser = await startBrowser();
-});
-after(async () => {
-  await browser?.close();
-  assert.equal(await server?.stop(), 0);
-});
+const env = useServerAndBrowser({ token });
 
-const exists = async (id) => (await fetch(`${server.url}/api/queries/${id}`)).status === 200;
+const exists = async (id) => (await fetch(`${env.url}/api/queries/${id}`)).status === 200;
 
 test("delete after a confirmation; a cancelled confirmation keeps the query", async () => {
   const orders = await sample("orders");
-  await createQuery(server.url, "keep-me", "Ramane", orders, token);
-  await createQuery(server.url, "delete-me", "Se sterge", orders, token);
-  const page = await browser.context.newPage();
-  await page.goto(`${server.url}/#/`);
+  await createQuery(env.url, "keep-me", "Ramane", orders, token);
+  await createQuery(env.url, "delete-me", "Se sterge", orders, token);
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/`);
   await page.getByText("1–2 of 2").waitFor();
 
   await page.getByRole("button", { name: "Delete Se sterge" }).click();
@@ -50,10 +41,10 @@ test("delete after a confirmation; a cancelled confirmation keeps the query", as
 test("search by name or category, a page at a time", async () => {
   const definition = await sample("parameter_query");
   for (let i = 0; i < 55; ++i) {
-    await createQuery(server.url, `p${String(i).padStart(2, "0")}`, `Pagina ${String(i).padStart(2, "0")}`, definition, token);
+    await createQuery(env.url, `p${String(i).padStart(2, "0")}`, `Pagina ${String(i).padStart(2, "0")}`, definition, token);
   }
-  const page = await browser.context.newPage();
-  await page.goto(`${server.url}/#/`);
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/`);
   await page.getByText("1–50 of 55").waitFor();
   await page.getByRole("button", { name: "Next" }).click();
   await page.getByText("51–55 of 55").waitFor();

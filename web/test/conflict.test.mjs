@@ -1,23 +1,14 @@
 // Two pages edit the same saved query: the second save meets the first one's version and the user
 // chooses which version stays.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { createQuery, getRecord, sample, settled, startBrowser, startServer } from "./harness.mjs";
+import { test } from "node:test";
+import { createQuery, getRecord, sample, settled, useServerAndBrowser } from "./harness.mjs";
 
-let server;
-let browser;
-before(async () => {
-  server = await startServer();
-  browser = await startBrowser();
-});
-after(async () => {
-  await browser?.close();
-  assert.equal(await server?.stop(), 0);
-});
+const env = useServerAndBrowser();
 
 async function openQuery(id) {
-  const page = await browser.context.newPage();
-  await page.goto(`${server.url}/#/q/${id}`);
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/q/${id}`);
   await settled(page);
   return page;
 }
@@ -31,12 +22,12 @@ async function save(page) {
 }
 
 async function savedValue(id) {
-  const text = String((await getRecord(server.url, id)).QueryDef);
+  const text = String((await getRecord(env.url, id)).QueryDef);
   return /<ConditionID>103<\/ConditionID>.*?<Value>(.*?)<\/Value>/.exec(text)[1];
 }
 
 test("the second save is told someone saved first, and may keep its own version", async () => {
-  await createQuery(server.url, "conflict-keep", "Conflict", await sample("orders"));
+  await createQuery(env.url, "conflict-keep", "Conflict", await sample("orders"));
   const first = await openQuery("conflict-keep");
   const second = await openQuery("conflict-keep");
 
@@ -55,7 +46,7 @@ test("the second save is told someone saved first, and may keep its own version"
 });
 
 test("the second save may load the other version instead, dropping its own edit", async () => {
-  await createQuery(server.url, "conflict-load", "Conflict", await sample("orders"));
+  await createQuery(env.url, "conflict-load", "Conflict", await sample("orders"));
   const first = await openQuery("conflict-load");
   const second = await openQuery("conflict-load");
 

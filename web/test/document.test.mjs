@@ -1,21 +1,10 @@
 // What the page does not touch comes back byte for byte: each sample is stored, opened, changed in
 // one place and saved, and the stored text must equal the original with only that place changed.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { createQuery, getRecord, settled, startBrowser, startServer } from "./harness.mjs";
+import { test } from "node:test";
+import { createQuery, getRecord, settled, useServerAndBrowser } from "./harness.mjs";
 
-let server;
-let browser;
-let samples;
-before(async () => {
-  server = await startServer();
-  browser = await startBrowser();
-  samples = (await (await fetch(`${server.url}/api/samples`)).json()).samples;
-});
-after(async () => {
-  await browser?.close();
-  assert.equal(await server?.stop(), 0);
-});
+const env = useServerAndBrowser();
 
 /** A string as the saved document writes it: CDATA when it holds "<" or ">", else escaped. */
 function written(text) {
@@ -35,16 +24,17 @@ function replaceElement(text, from, tag, content) {
 async function saveAndRead(page, id) {
   await page.getByRole("button", { name: "Save" }).click();
   await page.locator("#save-state", { hasText: "All changes saved" }).waitFor();
-  return String((await getRecord(server.url, id)).QueryDef);
+  return String((await getRecord(env.url, id)).QueryDef);
 }
 
 test("one changed value or setting per sample; every other byte is kept", async () => {
+  const samples = (await (await fetch(`${env.url}/api/samples`)).json()).samples;
   assert.ok(samples.length >= 3);
   for (const [index, { name, definition }] of samples.entries()) {
     const id = `exact-${index}`;
-    const original = String((await createQuery(server.url, id, name, definition)).QueryDef);
-    const page = await browser.context.newPage();
-    await page.goto(`${server.url}/#/q/${id}`);
+    const original = String((await createQuery(env.url, id, name, definition)).QueryDef);
+    const page = await env.context.newPage();
+    await page.goto(`${env.url}/#/q/${id}`);
     await settled(page);
 
     // A field setting: the first field's visibility.

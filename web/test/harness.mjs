@@ -1,11 +1,13 @@
 // Test support: a `brixq serve` on an ephemeral port with a temporary catalogue, and Debian's
 // chromium driven through playwright-core (the system browser; nothing is downloaded).
+import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import { dirname, join, resolve } from "node:path";
 import { createInterface } from "node:readline";
 import { fileURLToPath } from "node:url";
+import { after, before } from "node:test";
 import { chromium } from "playwright-core";
 
 const here = dirname(fileURLToPath(import.meta.url));
@@ -132,4 +134,29 @@ export async function settled(page) {
     const state = document.querySelector(".render-state");
     return document.body.dataset.rendered && state && state.textContent === "";
   });
+}
+
+/**
+ * Starts a server and a browser before the file's tests and stops both after them; the server
+ * must stop cleanly.
+ */
+export function useServerAndBrowser(options = {}) {
+  let server;
+  let browser;
+  before(async () => {
+    server = await startServer(options);
+    browser = await startBrowser();
+  });
+  after(async () => {
+    await browser?.close();
+    assert.equal(await server?.stop(), 0, "brixq serve stops cleanly on SIGTERM");
+  });
+  return {
+    get url() {
+      return server.url;
+    },
+    get context() {
+      return browser.context;
+    },
+  };
 }

@@ -1,18 +1,9 @@
 // One condition added, set, moved and saved with the keyboard alone.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { createQuery, getRecord, sample, settled, startBrowser, startServer } from "./harness.mjs";
+import { test } from "node:test";
+import { createQuery, getRecord, sample, settled, useServerAndBrowser } from "./harness.mjs";
 
-let server;
-let browser;
-before(async () => {
-  server = await startServer();
-  browser = await startBrowser();
-});
-after(async () => {
-  await browser?.close();
-  assert.equal(await server?.stop(), 0);
-});
+const env = useServerAndBrowser();
 
 /** Presses Tab until the focused element passes `test` (at most `limit` times). */
 async function tabTo(page, test, limit = 200) {
@@ -26,9 +17,9 @@ async function tabTo(page, test, limit = 200) {
 const focusedLabel = () => document.activeElement?.getAttribute("aria-label") ?? "";
 
 test("keyboard only: add a condition, pick its clause, type its value, move it up, save", async () => {
-  await createQuery(server.url, "keys", "Keyboard", await sample("orders"));
-  const page = await browser.context.newPage();
-  await page.goto(`${server.url}/#/q/keys`);
+  await createQuery(env.url, "keys", "Keyboard", await sample("orders"));
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/q/keys`);
   await settled(page);
 
   await tabTo(page, () => document.activeElement?.getAttribute("aria-label") === "Add a condition on Stare");
@@ -50,7 +41,7 @@ test("keyboard only: add a condition, pick its clause, type its value, move it u
 
   await page.keyboard.press("Control+s");
   await page.locator("#save-state", { hasText: "All changes saved" }).waitFor();
-  const stored = String((await getRecord(server.url, "keys")).QueryDef);
+  const stored = String((await getRecord(env.url, "keys")).QueryDef);
   const status = stored.slice(stored.indexOf("<DBName>Status</DBName>"));
   const values = [...status.matchAll(/<Clause>(\d+)<\/Clause><WhereClauseLogic>\d+<\/WhereClauseLogic><Value>([^<]*)<\/Value>/g)]
     .map((m) => `${m[1]}:${m[2]}`);
@@ -58,9 +49,9 @@ test("keyboard only: add a condition, pick its clause, type its value, move it u
 });
 
 test("undo by keyboard takes back the last edit outside a text box", async () => {
-  await createQuery(server.url, "undo", "Undo", await sample("orders"));
-  const page = await browser.context.newPage();
-  await page.goto(`${server.url}/#/q/undo`);
+  await createQuery(env.url, "undo", "Undo", await sample("orders"));
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/q/undo`);
   await settled(page);
   const field = page.locator("section.field", { has: page.getByRole("heading", { name: /^Stare/ }) });
   await field.getByRole("button", { name: "Remove: condition 1 on Stare" }).click();

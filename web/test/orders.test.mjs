@@ -1,23 +1,14 @@
 // A new user's path: create a query from the orders sample, add a "between" condition on the
 // order date, watch the SQL and the description follow, save, reload and find it again.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { brixqOutput, createQuery, getRecord, renderText, sample, settled, startBrowser, startServer } from "./harness.mjs";
+import { test } from "node:test";
+import { brixqOutput, createQuery, getRecord, renderText, sample, settled, useServerAndBrowser } from "./harness.mjs";
 
-let server;
-let browser;
-before(async () => {
-  server = await startServer();
-  browser = await startBrowser();
-});
-after(async () => {
-  await browser?.close();
-  assert.equal(await server?.stop(), 0, "brixq serve stops cleanly");
-});
+const env = useServerAndBrowser();
 
 test("between on a date field: SQL and description update, saved, found after a reload", async () => {
-  const page = await browser.context.newPage();
-  await page.goto(server.url + "/");
+  const page = await env.context.newPage();
+  await page.goto(env.url + "/");
   await page.getByLabel("Sample", { exact: true }).selectOption("orders");
   await page.getByLabel("Name", { exact: true }).fill("Comenzi de test");
   await page.getByRole("button", { name: "Create" }).click();
@@ -45,7 +36,7 @@ test("between on a date field: SQL and description update, saved, found after a 
   const id = decodeURIComponent(new URL(page.url()).hash.slice("#/q/".length));
 
   // Every text shown is the engine's own for the stored document.
-  const stored = String((await getRecord(server.url, id)).QueryDef);
+  const stored = String((await getRecord(env.url, id)).QueryDef);
   await settled(page);
   assert.equal(await page.locator("#out-sql").textContent(), (await brixqOutput("sql", stored)).replace(/\n$/, ""));
   const lines = (await brixqOutput("describe", stored)).trimEnd().split("\n").map((l) => l.split("\t").slice(1).join("\t"));
@@ -58,15 +49,15 @@ test("between on a date field: SQL and description update, saved, found after a 
   assert.match((await again.locator("p.description").last().textContent()) ?? "", /01-Apr-2024 si 30-Apr-2024/);
   assert.equal(await page.locator("#save-state").textContent(), "All changes saved");
 
-  await page.goto(server.url + "/#/");
+  await page.goto(env.url + "/#/");
   await page.getByLabel("Search").fill("de test");
   await assert.doesNotReject(page.getByRole("link", { name: "Comenzi de test" }).waitFor());
   await page.close();
 });
 
 test("a value the engine cannot use is shown as an error beside its condition", async () => {
-  const page = await browser.context.newPage();
-  await page.goto(server.url + "/");
+  const page = await env.context.newPage();
+  await page.goto(env.url + "/");
   await page.getByLabel("Sample", { exact: true }).selectOption("orders");
   await page.getByLabel("Name", { exact: true }).fill("Valoare gresita");
   await page.getByRole("button", { name: "Create" }).click();
@@ -81,7 +72,7 @@ test("a value the engine cannot use is shown as an error beside its condition", 
   const error = field.locator("p.error");
   await error.waitFor();
   const definition = await page.evaluate(() => window.brixDefinition());
-  const answer = await renderText(server.url, definition);
+  const answer = await renderText(env.url, definition);
   assert.equal(answer.status, 422);
   const expected = answer.body.conditionErrors.find((e) => e.conditionId === 103);
   assert.ok(expected, "the server names the condition");
@@ -98,10 +89,10 @@ test("a value the engine cannot use is shown as an error beside its condition", 
 });
 
 test("a fixed day and parameter values give the engine's texts for that day and those values", async () => {
-  await createQuery(server.url, "today", "Azi", await sample("orders"));
-  await createQuery(server.url, "city", "Oras", await sample("parameter_query"));
-  const page = await browser.context.newPage();
-  await page.goto(`${server.url}/#/q/today`);
+  await createQuery(env.url, "today", "Azi", await sample("orders"));
+  await createQuery(env.url, "city", "Oras", await sample("parameter_query"));
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/q/today`);
   await settled(page);
   const field = page.locator("section.field", { has: page.getByRole("heading", { name: /Data comenzii/ }) });
   await field.getByRole("button", { name: /Add a condition/ }).click();
@@ -115,11 +106,11 @@ test("a fixed day and parameter values give the engine's texts for that day and 
   assert.match(expected, /#45366#/);
 
   // Unsaved changes: leaving asks first.
-  await page.goto(`${server.url}/#/q/city`);
+  await page.goto(`${env.url}/#/q/city`);
   const leave = page.getByRole("dialog", { name: "Leave without saving?" });
   await leave.getByRole("button", { name: "Cancel" }).click();
   assert.match(page.url(), /#\/q\/today$/);
-  await page.goto(`${server.url}/#/q/city`);
+  await page.goto(`${env.url}/#/q/city`);
   await leave.getByRole("button", { name: "Leave without saving" }).click();
   await page.locator("#query-title", { hasText: "Oras" }).waitFor();
   await page.getByLabel("Parameter Oras").fill("Cluj, Iasi");
@@ -127,7 +118,7 @@ test("a fixed day and parameter values give the engine's texts for that day and 
   const city = await page.evaluate(() => window.brixDefinition());
   const withValues = (await brixqOutput("sql", city, ["--param", "Oras=Cluj,Iasi"])).replace(/\n$/, "");
   assert.equal(await page.locator("#out-sql").textContent(), withValues);
-  const answer = await renderText(server.url, city, { params: [{ name: "Oras", values: ["Cluj", "Iasi"] }] });
+  const answer = await renderText(env.url, city, { params: [{ name: "Oras", values: ["Cluj", "Iasi"] }] });
   assert.deepEqual(
     await page.locator("#out-sqlite table.parameters tbody td:nth-child(3)").allTextContents(),
     answer.body.statements.sqlite.parameters.map((p) => String(p.value)),

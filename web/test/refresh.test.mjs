@@ -1,19 +1,10 @@
 // Speed as the page feels it, measured and printed, not asserted: the output after a keystroke on a
 // definition of 2,000 conditions, and the catalogue holding 10,000 saved queries.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
-import { createQuery, sample, settled, startBrowser, startServer } from "./harness.mjs";
+import { test } from "node:test";
+import { createQuery, sample, settled, useServerAndBrowser } from "./harness.mjs";
 
-let server;
-let browser;
-before(async () => {
-  server = await startServer();
-  browser = await startBrowser();
-});
-after(async () => {
-  await browser?.close();
-  assert.equal(await server?.stop(), 0);
-});
+const env = useServerAndBrowser();
 
 function manyConditions(orders, count) {
   const conditions = [];
@@ -29,10 +20,10 @@ function manyConditions(orders, count) {
 const median = (list) => [...list].sort((a, b) => a - b)[Math.floor(list.length / 2)];
 
 test("output refresh after a keystroke, 2,000 conditions", async () => {
-  await createQuery(server.url, "big", "Big", manyConditions(await sample("orders"), 2000));
-  const page = await browser.context.newPage();
+  await createQuery(env.url, "big", "Big", manyConditions(await sample("orders"), 2000));
+  const page = await env.context.newPage();
   const opening = performance.now();
-  await page.goto(`${server.url}/#/q/big`);
+  await page.goto(`${env.url}/#/q/big`);
   await settled(page);
   const openMs = performance.now() - opening;
   const box = page.locator('li[data-condition-id="21000"]').getByLabel("Value");
@@ -60,15 +51,15 @@ test("catalogue of 10,000 saved queries, paged", async () => {
   await Promise.all(Array.from({ length: 4 }, async () => {
     while (next < total) {
       const n = next++;
-      await createQuery(server.url, `q${String(n).padStart(5, "0")}`, `Interogare ${n}`, definition);
+      await createQuery(env.url, `q${String(n).padStart(5, "0")}`, `Interogare ${n}`, definition);
     }
   }));
   const fillMs = performance.now() - filling;
-  const stored = (await (await fetch(`${server.url}/api/queries?limit=1`)).json()).total;
+  const stored = (await (await fetch(`${env.url}/api/queries?limit=1`)).json()).total;
   assert.ok(stored >= total);
-  const page = await browser.context.newPage();
+  const page = await env.context.newPage();
   const opening = performance.now();
-  await page.goto(`${server.url}/#/`);
+  await page.goto(`${env.url}/#/`);
   await page.getByText(`1–50 of ${stored}`).waitFor();
   const openMs = performance.now() - opening;
   const paging = performance.now();
