@@ -30,6 +30,7 @@ try {
   await clause.selectOption(await clause.locator("option", { hasText: "intre" }).first().getAttribute("value"));
   await row.getByLabel("From").fill("2024-04-01");
   await row.getByLabel("To").fill("2024-04-15");
+  await page.waitForFunction(() => document.querySelector("#out-sql").textContent.includes("#45397#"));
   await settled(page);
   await center(row);
   await shot("3-between-added");
