@@ -79,7 +79,9 @@ class App {
     this.undoButton.addEventListener("click", () => this.undo());
     window.addEventListener("hashchange", () => void this.route());
     window.addEventListener("beforeunload", (event) => {
-      if (this.session?.dirty) event.preventDefault();
+      if (!this.session?.dirty) return;
+      event.preventDefault();
+      event.returnValue = "";
     });
     document.addEventListener("keydown", (event) => this.shortcut(event));
     setTokenPrompt(() => this.askToken());

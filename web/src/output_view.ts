@@ -13,7 +13,8 @@ export class OutputView {
   readonly element: HTMLElement;
   readonly options: TryOptions = { date: "", params: new Map() };
   private readonly banner = h("div", { class: "banner error", role: "alert", hidden: true });
-  private readonly state = h("p", { class: "render-state", "aria-live": "polite" });
+  // Not a live region: it changes on every keystroke.
+  private readonly state = h("p", { class: "render-state" });
   private readonly sql = h("pre", { id: "out-sql", class: "code", tabindex: 0, "aria-label": "SQL" });
   private readonly where = h("pre", { id: "out-where", class: "code", tabindex: 0, "aria-label": "WHERE" });
   private readonly sqlite = h("div", { id: "out-sqlite" });

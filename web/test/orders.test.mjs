@@ -123,3 +123,22 @@ test("a fixed day and parameter values give the engine's texts for that day and 
     answer.body.statements.sqlite.parameters.map((p) => String(p.value)),
   );
 });
+
+test("the list editor splits an IN list into items and writes it back quoted", async () => {
+  await createQuery(env.url, "list", "Lista", await sample("orders"));
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/q/list`);
+  await settled(page);
+  const field = page.locator("section.field", { has: page.getByRole("heading", { name: /^Oras/ }) });
+  assert.deepEqual(await field.locator("input.list-item").evaluateAll((boxes) => boxes.map((b) => b.value)), ["Cluj", "Iasi"]);
+  await field.getByRole("button", { name: "Add a list item" }).click();
+  await page.keyboard.type("Targu 'Mures'");
+  await field.getByLabel("Item 1").fill("");
+  await page.waitForFunction(() => document.querySelector("#out-sql").textContent.includes("Mures"));
+  await settled(page);
+  assert.match(await page.locator("#out-sql").textContent(), /City IN \('Iasi', 'Targu ''Mures'''\)\)/);
+  assert.deepEqual(
+    await page.locator("#out-sqlite table.parameters tbody td:nth-child(3)").evaluateAll((cells) => cells.slice(0, 2).map((c) => c.textContent)),
+    ["Iasi", "Targu 'Mures'"],
+  );
+});
