@@ -7,6 +7,8 @@ import { h, uid } from "./dom";
 import { Session } from "./session";
 import { countUnit, dayText, isoDay, readList, takesDate, valueKind, writeList } from "./values";
 
+const kRowsShown = 200;
+
 export interface EditorHost {
   /** A change was made; `group` joins keystrokes into one undo step. */
   edit(change: () => void, group?: string): void;
@@ -25,6 +27,8 @@ export class EditorView {
   private errorNodes = new Map<number, HTMLElement>();
   private fieldLists = new Map<Element, HTMLOListElement>();
   private fieldKeys = new Map<Element, string>();
+  private shownRows = new Map<Element, number>();
+  private pickerPrototypes = new Map<string, HTMLSelectElement>();
 
   constructor(
     private readonly session: () => Session,
@@ -40,6 +44,7 @@ export class EditorView {
     this.errorNodes.clear();
     this.fieldLists.clear();
     this.fieldKeys.clear();
+    this.shownRows.clear();
     const sections: HTMLElement[] = [];
     let current: { name: string; list: HTMLElement } | null = null;
     for (const rendered of fields) {
@@ -192,11 +197,28 @@ export class EditorView {
     );
   }
 
+  // A field with thousands of conditions shows them a few hundred at a time, so that opening it
+  // stays quick; the output beside still covers them all.
   private conditionRows(entry: FieldEntry): HTMLElement[] {
     const conditions = this.session().definition.conditions(entry.ref);
-    return conditions.map((condition, index) =>
-      this.conditionRow(entry, condition, index, conditions.length),
-    );
+    const shown = Math.min(conditions.length, this.shownRows.get(entry.ref.element) ?? kRowsShown);
+    const rows = conditions
+      .slice(0, shown)
+      .map((condition, index) => this.conditionRow(entry, condition, index, conditions.length));
+    if (shown < conditions.length) {
+      const more = h("button", { type: "button", id: `${this.fieldKey(entry.ref)}-more` }, `Show ${Math.min(kRowsShown, conditions.length - shown)} more of ${conditions.length} conditions`);
+      more.addEventListener("click", () => {
+        this.shownRows.set(entry.ref.element, shown + kRowsShown);
+        this.redrawField(entry.ref, entry.rendered, `${this.fieldKey(entry.ref)}-more`);
+      });
+      rows.push(h("li", { class: "more" }, more));
+    }
+    return rows;
+  }
+
+  /** Every row of the field is drawn from now on (after an addition at its end). */
+  private showAllRows(field: FieldRef): void {
+    this.shownRows.set(field.element, Number.MAX_SAFE_INTEGER);
   }
 
   private conditionRow(entry: FieldEntry, condition: ConditionRef, index: number, count: number): HTMLElement {
@@ -293,11 +315,9 @@ export class EditorView {
       // A clause the field no longer offers stays visible, so an untouched condition is kept.
       offered.push({ number: current, name: "", description: this.clauseNames.get(current) ?? `(${current})` });
     }
-    const select = h(
-      "select",
-      { id, class: "clause", "aria-label": "Clause", "aria-describedby": described },
-      offered.map((c) => h("option", { value: String(c.number) }, clauseText(c))),
-    );
+    const select = this.clauseOptions(offered);
+    select.id = id;
+    select.setAttribute("aria-describedby", described);
     select.value = String(current);
     select.disabled = !editable;
     select.addEventListener("change", () => {
@@ -306,6 +326,22 @@ export class EditorView {
       this.redrawField(entry.ref, entry.rendered, id);
     });
     return select;
+  }
+
+  // Rows of one field share their option list: a copy of a prepared picker is much cheaper than
+  // building thousands of options one by one.
+  private clauseOptions(offered: Clause[]): HTMLSelectElement {
+    const key = offered.map((c) => `${c.number}\t${clauseText(c)}`).join("\n");
+    let prototype = this.pickerPrototypes.get(key);
+    if (!prototype) {
+      prototype = h(
+        "select",
+        { class: "clause", "aria-label": "Clause" },
+        offered.map((c) => h("option", { value: String(c.number) }, clauseText(c))),
+      );
+      this.pickerPrototypes.set(key, prototype);
+    }
+    return prototype.cloneNode(true) as HTMLSelectElement;
   }
 
   private valueInputs(
@@ -409,6 +445,7 @@ export class EditorView {
       added = this.session().definition.addCondition(entry.ref, clause);
     });
     const id = added ? readRow((added as ConditionRef).element, "ConditionID") : "";
+    this.showAllRows(entry.ref);
     this.redrawField(entry.ref, entry.rendered, `c${id}-${this.fieldKey(entry.ref)}-clause`);
   }
 
