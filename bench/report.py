@@ -164,7 +164,11 @@ def main():
               f"| ratio to the document | {memory['peak_rss_kb'] * 1024 / memory['document_bytes']:.2f}x |",
               "", "Target: under 6x the document's size.", "",
               "### Cost per condition against size", "", "![cost per condition](performance.png)", ""]
-    Path(out_md).write_text("\n".join(lines))
+    # The load section comes from scripts/bench-serve; it is kept as that run wrote it.
+    previous = Path(out_md).read_text() if Path(out_md).exists() else ""
+    serve_at = previous.find("## `brixq serve` under load")
+    serve_section = "\n" + previous[serve_at:] if serve_at >= 0 else ""
+    Path(out_md).write_text("\n".join(lines) + serve_section)
     plot(times, out_png, data_file)
 
 

@@ -147,10 +147,10 @@ void LogLine(const httplib::Request& request, const httplib::Response& response)
                 response.status, response.body.size(), milliseconds);
   std::lock_guard lock(mutex);
   // The path as received may hold any byte; it is written escaped like a JSON string.
-  std::cerr << line << request.method << ' '
-            << nlohmann::json(request.path).dump(-1, ' ', false,
-                                                 nlohmann::json::error_handler_t::replace)
-            << '\n';
+  std::cerr
+      << line << request.method << ' '
+      << nlohmann::json(request.path).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+      << '\n';
 }
 
 std::string StatusText(int status) {
@@ -168,6 +168,18 @@ std::string StatusText(int status) {
     default:
       return "the request failed with HTTP status " + std::to_string(status);
   }
+}
+
+// A definition posted as XML, its options in the query string: what curl sends most simply.
+nlohmann::json XmlRenderRequest(const httplib::Request& request) {
+  nlohmann::json body = {{"definition", request.body}};
+  for (const char* name : {"top", "near"}) {
+    if (request.has_param(name)) body[name] = QueryNumber(request, name, 0);
+  }
+  for (const char* name : {"date", "dialect"}) {
+    if (request.has_param(name)) body[name] = request.get_param_value(name);
+  }
+  return body;
 }
 
 }  // namespace
@@ -272,14 +284,16 @@ std::string ApiServer::User(const Request& request) const {
 }
 
 void ApiServer::Render(const Request& request, Response& response) {
-  SendJson(response, 200, brixq::Render(ParseBody(request)));
+  const std::string type = request.get_header_value("Content-Type");
+  const bool xml = type.starts_with("application/xml") || type.starts_with("text/xml");
+  SendJson(response, 200, brixq::Render(xml ? XmlRenderRequest(request) : ParseBody(request)));
 }
 
 void ApiServer::ListQueries(const Request& request, Response& response) {
   std::string search = request.has_param("search") ? request.get_param_value("search") : "";
-  SendJson(response, 200,
-           catalog_.List(search, QueryNumber(request, "offset", 0),
-                         QueryNumber(request, "limit", 50)));
+  SendJson(
+      response, 200,
+      catalog_.List(search, QueryNumber(request, "offset", 0), QueryNumber(request, "limit", 50)));
 }
 
 void ApiServer::GetQuery(const Request& request, Response& response) {
@@ -330,7 +344,8 @@ void ApiServer::Samples(const Request&, Response& response) {
   std::sort(files.begin(), files.end());
   nlohmann::json samples = nlohmann::json::array();
   for (const fs::path& file : files) {
-    samples.push_back({{"name", file.stem().string()}, {"definition", ReadDefinition(file.string())}});
+    samples.push_back(
+        {{"name", file.stem().string()}, {"definition", ReadDefinition(file.string())}});
   }
   SendJson(response, 200, {{"samples", samples}});
 }

@@ -74,7 +74,8 @@ void SetFromJson(clsQSOM_DM& record, const RecordProperty& property, const nlohm
   const std::string name = property.name;
   switch (property.kind) {
     case Kind::kText:
-      if (!value.is_string()) throw std::invalid_argument("member \"" + name + "\" must be a string");
+      if (!value.is_string())
+        throw std::invalid_argument("member \"" + name + "\" must be a string");
       (record.*property.set_text)(value.get<std::string>());
       return;
     case Kind::kLong:
@@ -85,7 +86,8 @@ void SetFromJson(clsQSOM_DM& record, const RecordProperty& property, const nlohm
       (record.*property.set_long)(static_cast<std::int32_t>(value.get<std::int64_t>()));
       return;
     case Kind::kBoolean:
-      if (!value.is_boolean()) throw std::invalid_argument("member \"" + name + "\" must be true or false");
+      if (!value.is_boolean())
+        throw std::invalid_argument("member \"" + name + "\" must be true or false");
       (record.*property.set_boolean)(value.get<bool>());
       return;
   }
@@ -103,15 +105,10 @@ const RecordProperty* FindProperty(std::string_view name) {
 std::span<const RecordProperty> RecordProperties() { return kProperties; }
 
 StoreValue ReadStoreValue(const clsQSOM_DM& record, const RecordProperty& property) {
-  switch (property.kind) {
-    case Kind::kText:
-      return (record.*property.get_text)();
-    case Kind::kLong:
-      return std::int64_t{(record.*property.get_long)()};
-    case Kind::kBoolean:
-      return std::int64_t{(record.*property.get_boolean)() ? 1 : 0};
-  }
-  return {};
+  if (property.kind == Kind::kText)
+    return StoreValue(std::in_place_index<1>, (record.*property.get_text)());
+  if (property.kind == Kind::kLong) return StoreValue(std::int64_t{(record.*property.get_long)()});
+  return StoreValue(std::int64_t{(record.*property.get_boolean)() ? 1 : 0});
 }
 
 void WriteStoreText(clsQSOM_DM& record, const RecordProperty& property, const std::string& text) {

@@ -72,12 +72,12 @@ StoredRecord CatalogService::Load(const std::string& id) {
   return *stored;
 }
 
-SavedRecord CatalogService::Save(const std::string& id,
-                                 std::shared_ptr<clsQSOM_DM> record,
+SavedRecord CatalogService::Save(const std::string& id, std::shared_ptr<clsQSOM_DM> record,
                                  const WriteCondition& condition, const std::string& user) {
   CheckedId(id);
   if (!record->ID().empty() && record->ID() != id) {
-    throw ApiError(400, "the record's ID \"" + record->ID() + "\" is not the path's \"" + id + "\"");
+    throw ApiError(400,
+                   "the record's ID \"" + record->ID() + "\" is not the path's \"" + id + "\"");
   }
   record->SetID(id);
   record->SetQueryDef(NormalisedDefinition(record->QueryDef()));

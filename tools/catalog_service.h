@@ -27,8 +27,8 @@ class CatalogService {
   /// Creates or replaces the record under `id` (the record's own ID, if set, must be `id`). Its
   /// QueryDef must load (422 otherwise) and is stored as SaveXMLDef writes it; Modificat* are
   /// set to `user` and now, Creat* too on creation (kept from the stored record on replace).
-  SavedRecord Save(const std::string& id, std::shared_ptr<clsQSOM_DM> record, const WriteCondition& condition,
-                   const std::string& user);
+  SavedRecord Save(const std::string& id, std::shared_ptr<clsQSOM_DM> record,
+                   const WriteCondition& condition, const std::string& user);
   void Remove(const std::string& id, const WriteCondition& condition);
 
  private:

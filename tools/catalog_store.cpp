@@ -98,8 +98,7 @@ class CatalogStore::Lease {
   std::unique_ptr<CatalogConnection> connection_;
 };
 
-std::unique_ptr<CatalogStore> CatalogStore::Open(const std::string& url,
-                                                 std::size_t connections) {
+std::unique_ptr<CatalogStore> CatalogStore::Open(const std::string& url, std::size_t connections) {
   Connect connect;
   if (url.starts_with("sqlite:")) {
     std::string path = url.substr(7);
@@ -168,14 +167,13 @@ void CatalogStore::CreateSchema(CatalogConnection& connection) {
 
 std::optional<StoredRecord> CatalogStore::Get(const std::string& id) {
   Lease lease = Acquire();
-  auto rows = lease->Query("SELECT version, " + ColumnList() + " FROM " + kTable + " WHERE id = $1",
-                           {id});
+  auto rows =
+      lease->Query("SELECT version, " + ColumnList() + " FROM " + kTable + " WHERE id = $1", {id});
   if (rows.empty()) return std::nullopt;
   return RecordOfRow(rows[0], AllProperties());
 }
 
-CatalogPage CatalogStore::List(const std::string& search, std::int64_t offset,
-                               std::int64_t limit) {
+CatalogPage CatalogStore::List(const std::string& search, std::int64_t offset, std::int64_t limit) {
   static const std::vector<const RecordProperty*> kListed = [] {
     std::vector<const RecordProperty*> listed;
     for (const RecordProperty& property : RecordProperties()) {
@@ -192,9 +190,9 @@ CatalogPage CatalogStore::List(const std::string& search, std::int64_t offset,
   Lease lease = Acquire();
   CatalogPage page;
   page.total = Whole(lease->Query("SELECT count(*)" + filter, {pattern})[0][0]);
-  auto rows = lease->Query("SELECT version" + columns + filter +
-                               " ORDER BY name, id LIMIT $2 OFFSET $3",
-                           {pattern, limit, offset});
+  auto rows =
+      lease->Query("SELECT version" + columns + filter + " ORDER BY name, id LIMIT $2 OFFSET $3",
+                   {pattern, limit, offset});
   for (const StoreRow& row : rows) page.items.push_back(RecordOfRow(row, kListed));
   return page;
 }
@@ -245,6 +243,7 @@ void CatalogStore::Check(const std::optional<State>& state, const std::string& i
 std::int64_t CatalogStore::Put(const clsQSOM_DM& record, const WriteCondition& condition,
                                bool& created) {
   std::vector<StoreValue> values;
+  values.reserve(RecordProperties().size() + 1);  // the properties, then the version
   for (const RecordProperty& property : RecordProperties()) {
     values.push_back(ReadStoreValue(record, property));
   }

@@ -5,24 +5,9 @@
 
 #include "runtime/error.h"
 #include "tools/brixq_errors.h"
+#include "tools/postgres_runner.h"
 
 namespace brix::brixq {
-namespace {
-
-// libpq's messages run over several lines; the service logs an error on one.
-[[noreturn]] void RaisePostgres(const std::string& description) {
-  std::string line;
-  for (char c : description) {
-    bool blank = c == '\n' || c == '\t' || c == ' ';
-    if (blank && (line.empty() || line.back() == ' ')) continue;
-    line += blank ? ' ' : c;
-  }
-  if (!line.empty() && line.back() == ' ') line.pop_back();
-  Raise(kErrPostgres, "brixq", "PostgreSQL: " + line);
-}
-
-}  // namespace
-
 PostgresCatalogConnection::PostgresCatalogConnection(const std::string& conninfo)
     : connection_(PQconnectdb(conninfo.c_str()), PQfinish) {
   if (!connection_) RaisePostgres("out of memory");
@@ -30,7 +15,8 @@ PostgresCatalogConnection::PostgresCatalogConnection(const std::string& conninfo
     RaisePostgres(PQerrorMessage(connection_.get()));
   }
   // Notices (a table that already exists) are not errors; they would only clutter the log.
-  PQsetNoticeProcessor(connection_.get(), [](void*, const char*) {}, nullptr);
+  PQsetNoticeProcessor(
+      connection_.get(), [](void*, const char*) {}, nullptr);
 }
 
 PostgresCatalogConnection::Result PostgresCatalogConnection::Run(
@@ -76,8 +62,8 @@ std::vector<StoreRow> PostgresCatalogConnection::Query(const std::string& sql,
       if (PQgetisnull(result.get(), r, c)) {
         row.emplace_back();
       } else {
-        row.emplace_back(std::string(PQgetvalue(result.get(), r, c),
-                                     PQgetlength(result.get(), r, c)));
+        row.emplace_back(
+            std::string(PQgetvalue(result.get(), r, c), PQgetlength(result.get(), r, c)));
       }
     }
     rows.push_back(std::move(row));

@@ -22,18 +22,6 @@ enum TypeOid : Oid {
   kDate = 1082, kTime = 1083, kTimestamp = 1114, kNumeric = 1700,
 };
 
-// libpq's messages run over several lines; brixq reports an error on one.
-[[noreturn]] void RaisePostgres(std::string_view description) {
-  std::string line;
-  for (char c : description) {
-    bool blank = c == '\n' || c == '\t' || c == ' ';
-    if (blank && (line.empty() || line.back() == ' ')) continue;
-    line += blank ? ' ' : c;
-  }
-  if (!line.empty() && line.back() == ' ') line.pop_back();
-  Raise(kErrPostgres, "brixq", "PostgreSQL: " + line);
-}
-
 Oid OidOf(SqlType type) {
   switch (type) {
     case SqlType::kInteger:
@@ -106,6 +94,17 @@ ResultTable Rows(const PGresult* result) {
 }
 
 }  // namespace
+
+[[noreturn]] void RaisePostgres(std::string_view description) {
+  std::string line;
+  for (char c : description) {
+    bool blank = c == '\n' || c == '\t' || c == ' ';
+    if (blank && (line.empty() || line.back() == ' ')) continue;
+    line += blank ? ' ' : c;
+  }
+  if (!line.empty() && line.back() == ' ') line.pop_back();
+  Raise(kErrPostgres, "brixq", "PostgreSQL: " + line);
+}
 
 ResultTable RunOnPostgres(const std::string& conninfo, const ParameterizedStatement& statement) {
   if (statement.text.empty()) RaisePostgres("there is no statement to run (no tables)");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "querybuilder/parameterized_statement.h"
 #include "tools/result_table.h"
@@ -15,5 +16,9 @@ namespace brix::brixq {
 /// the server's message when the connection fails or the statement is refused, and for a text
 /// holding the NUL character, which PostgreSQL text cannot hold.
 ResultTable RunOnPostgres(const std::string& conninfo, const ParameterizedStatement& statement);
+
+/// Raises `kErrPostgres` with "PostgreSQL: " and libpq's message on one line (its line breaks and
+/// runs of blanks made single blanks).
+[[noreturn]] void RaisePostgres(std::string_view description);
 
 }  // namespace brix::brixq

@@ -19,28 +19,57 @@ namespace brix::brixq {
 namespace {
 
 constexpr std::array<const char*, 32> kClauseNames = {
-    "qbe_ClauseBetween",         "qbe_ClauseContains",         "qbe_ClauseEqualTo",
-    "qbe_ClauseGreaterOrEqual",  "qbe_ClauseGreaterThan",      "qbe_ClauseIsEmpty",
-    "qbe_ClauseIsNull",          "qbe_ClauseLessOrEqual",      "qbe_ClauseLessThan",
-    "qbe_ClauseNotContains",     "qbe_ClauseNotEqual",         "qbe_ClauseNotStartingWith",
-    "qbe_ClauseStartingWith",    "qbe_ClauseToday",            "qbe_ClauseThisWeek",
-    "qbe_ClauseThisMonth",       "qbe_ClauseInList",           "qbe_ClauseLastXDays",
-    "qbe_ClauseNotInList",       "qbe_ClauseNotIsEmpty",       "qbe_ClauseLastXMonths",
-    "qbe_ClauseThisYear",        "qbe_ClauseYear",             "qbe_ClauseLastXYears",
-    "qbe_ClauseContainsWordsNear", "qbe_ClauseContainsWords",  "qbe_ClauseContainsExpression",
-    "qbe_ClauseNextXDays",       "qbe_ClauseOverXDays",        "qbe_ClauseTimeNow",
-    "qbe_ClauseTimeGreaterThanNow", "qbe_ClauseTimeLessThanNow",
+    "qbe_ClauseBetween",
+    "qbe_ClauseContains",
+    "qbe_ClauseEqualTo",
+    "qbe_ClauseGreaterOrEqual",
+    "qbe_ClauseGreaterThan",
+    "qbe_ClauseIsEmpty",
+    "qbe_ClauseIsNull",
+    "qbe_ClauseLessOrEqual",
+    "qbe_ClauseLessThan",
+    "qbe_ClauseNotContains",
+    "qbe_ClauseNotEqual",
+    "qbe_ClauseNotStartingWith",
+    "qbe_ClauseStartingWith",
+    "qbe_ClauseToday",
+    "qbe_ClauseThisWeek",
+    "qbe_ClauseThisMonth",
+    "qbe_ClauseInList",
+    "qbe_ClauseLastXDays",
+    "qbe_ClauseNotInList",
+    "qbe_ClauseNotIsEmpty",
+    "qbe_ClauseLastXMonths",
+    "qbe_ClauseThisYear",
+    "qbe_ClauseYear",
+    "qbe_ClauseLastXYears",
+    "qbe_ClauseContainsWordsNear",
+    "qbe_ClauseContainsWords",
+    "qbe_ClauseContainsExpression",
+    "qbe_ClauseNextXDays",
+    "qbe_ClauseOverXDays",
+    "qbe_ClauseTimeNow",
+    "qbe_ClauseTimeGreaterThanNow",
+    "qbe_ClauseTimeLessThanNow",
 };
 
 // Conditions beyond this many are not rendered one by one to find the failing ones.
 constexpr int kMaxConditionsChecked = 200;
 
-nlohmann::json ClauseJson(std::int32_t number) {
+const char* ClauseName(std::int32_t number) {
   bool known = number >= 1 && number <= static_cast<std::int32_t>(kClauseNames.size());
+  return known ? kClauseNames[number - 1] : "";
+}
+
+nlohmann::json ClauseJson(std::int32_t number) {
   return {{"number", number},
-          {"name", known ? kClauseNames[number - 1] : ""},
+          {"name", ClauseName(number)},
           {"description", ClauseDescription(static_cast<qbe_ClauseOperator>(number))}};
 }
+
+// The parts a render may be asked for, in the order they are computed.
+constexpr std::array<const char*, 6> kParts = {"sql",          "where",  "fullText",
+                                               "descriptions", "fields", "statements"};
 
 // The request's members, checked.
 struct RenderRequest {
@@ -50,7 +79,23 @@ struct RenderRequest {
   std::optional<SqlDialect> dialect;
   std::int32_t top = 0;
   std::int16_t near = 33;
+  unsigned parts = (1u << kParts.size()) - 1;  // bit i: kParts[i] is wanted
 };
+
+unsigned PartsMember(const nlohmann::json& parts) {
+  constexpr const char* kShape =
+      "\"parts\" must be an array of \"sql\", \"where\", \"fullText\", \"descriptions\", "
+      "\"fields\" and \"statements\"";
+  if (!parts.is_array()) throw ApiError(400, kShape);
+  unsigned bits = 0;
+  for (const nlohmann::json& part : parts) {
+    auto found =
+        std::find_if(kParts.begin(), kParts.end(), [&](const char* name) { return part == name; });
+    if (found == kParts.end()) throw ApiError(400, kShape);
+    bits |= 1u << (found - kParts.begin());
+  }
+  return bits;
+}
 
 std::int64_t WholeMember(const nlohmann::json& request, const char* name, std::int64_t low,
                          std::int64_t high) {
@@ -65,7 +110,8 @@ std::int64_t WholeMember(const nlohmann::json& request, const char* name, std::i
 
 std::vector<std::pair<std::string, std::vector<std::string>>> ParamsMember(
     const nlohmann::json& params) {
-  constexpr const char* kShape = "\"params\" must be an array of {\"name\": text, \"values\": [text]}";
+  constexpr const char* kShape =
+      "\"params\" must be an array of {\"name\": text, \"values\": [text]}";
   if (!params.is_array()) throw ApiError(400, kShape);
   std::vector<std::pair<std::string, std::vector<std::string>>> out;
   for (const nlohmann::json& param : params) {
@@ -91,7 +137,8 @@ RenderRequest ParseRequest(const nlohmann::json& request) {
   }
   parsed.definition = request["definition"].get<std::string>();
   if (request.contains("date")) {
-    if (request["date"].is_string()) parsed.date = ParseDateTime(request["date"].get<std::string>());
+    if (request["date"].is_string())
+      parsed.date = ParseDateTime(request["date"].get<std::string>());
     if (!parsed.date) throw ApiError(400, "\"date\" must be YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS");
   }
   if (request.contains("params")) parsed.params = ParamsMember(request["params"]);
@@ -105,7 +152,9 @@ RenderRequest ParseRequest(const nlohmann::json& request) {
       throw ApiError(400, "\"dialect\" must be \"sqlite\" or \"postgresql\"");
     }
   }
-  if (request.contains("top")) parsed.top = static_cast<std::int32_t>(WholeMember(request, "top", 0, INT32_MAX));
+  if (request.contains("top"))
+    parsed.top = static_cast<std::int32_t>(WholeMember(request, "top", 0, INT32_MAX));
+  if (request.contains("parts")) parsed.parts = PartsMember(request["parts"]);
   if (request.contains("near")) {
     parsed.near = static_cast<std::int16_t>(WholeMember(request, "near", INT16_MIN, INT16_MAX));
   }
@@ -125,21 +174,24 @@ std::shared_ptr<xqb_Query> LoadQuery(const RenderRequest& request) {
 
 nlohmann::json Descriptions(const xqb_Query& query) {
   nlohmann::json descriptions = nlohmann::json::array();
-  ForEachCondition(query, [&](const xqb_Table& table, const xqb_Field& field,
-                              const xqb_Condition& condition) {
-    descriptions.push_back({{"id", condition.ConditionID()},
-                            {"text", query.DescribeCondition(table, field, condition)}});
-  });
+  ForEachCondition(
+      query, [&](const xqb_Table& table, const xqb_Field& field, const xqb_Condition& condition) {
+        descriptions.push_back({{"id", condition.ConditionID()},
+                                {"text", query.DescribeCondition(table, field, condition)}});
+      });
   return descriptions;
 }
 
 nlohmann::json FieldJson(const xqb_Table& table, const xqb_Field& field) {
   nlohmann::json clauses = nlohmann::json::array();
-  for (std::int32_t clause : field.ReturnAvailableClauses()) clauses.push_back(ClauseJson(clause));
-  return {{"table", table.DBName()},         {"field", field.DBName()},
-          {"caption", field.Caption()},      {"dataType", field.ShowAsType()},
-          {"dbType", field.DBType()},        {"controlType", field.ControlType()},
-          {"uiOrder", field.UIOrder()},      {"visible", field.IsVisible()},
+  // Numbers and names only: the Romanian texts are the catalogue's, sent once by its endpoint.
+  for (std::int32_t clause : field.ReturnAvailableClauses()) {
+    clauses.push_back({{"number", clause}, {"name", ClauseName(clause)}});
+  }
+  return {{"table", table.DBName()},      {"field", field.DBName()},
+          {"caption", field.Caption()},   {"dataType", field.ShowAsType()},
+          {"dbType", field.DBType()},     {"controlType", field.ControlType()},
+          {"uiOrder", field.UIOrder()},   {"visible", field.IsVisible()},
           {"clauses", std::move(clauses)}};
 }
 
@@ -173,13 +225,29 @@ nlohmann::json Statements(const xqb_Query& query, const RenderRequest& request) 
   return statements;
 }
 
+nlohmann::json RenderPart(const xqb_Query& query, const RenderRequest& request, std::size_t part) {
+  switch (part) {
+    case 0:
+      return query.ReturnSQL(request.top);
+    case 1:
+      return query.ReturnWHEREConditions();
+    case 2:
+      return query.ReturnDTConditions(request.near);
+    case 3:
+      return Descriptions(query);
+    case 4:
+      return Fields(query);
+    default:
+      return Statements(query, request);
+  }
+}
+
 nlohmann::json RenderQuery(const xqb_Query& query, const RenderRequest& request) {
-  return {{"sql", query.ReturnSQL(request.top)},
-          {"where", query.ReturnWHEREConditions()},
-          {"fullText", query.ReturnDTConditions(request.near)},
-          {"descriptions", Descriptions(query)},
-          {"fields", Fields(query)},
-          {"statements", Statements(query, request)}};
+  nlohmann::json answer = nlohmann::json::object();
+  for (std::size_t part = 0; part < kParts.size(); ++part) {
+    if (request.parts & (1u << part)) answer[kParts[part]] = RenderPart(query, request, part);
+  }
+  return answer;
 }
 
 // Keeps only the `keep`-th condition (tree order) of the query.

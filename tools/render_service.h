@@ -6,7 +6,8 @@
 namespace brix::brixq {
 
 /// Renders the definition of `request` ({"definition", "date", "params", "dialect", "top",
-/// "near"}) into {"sql", "where", "fullText", "descriptions", "fields", "statements"}: the texts
+/// "near", "parts"}) into {"sql", "where", "fullText", "descriptions", "fields", "statements"}
+/// (only those `parts` names, when given): the texts
 /// byte for byte those of brixq sql, where, dt, describe and clauses. A malformed request raises
 /// `ApiError` 400; a definition that does not load or render raises `ApiError` 422 with the
 /// library's error and, where single conditions fail alone, "conditionErrors".

@@ -30,8 +30,10 @@ std::int32_t LongParam(const cMarshall& call, std::string_view name, std::int32_
 
 std::shared_ptr<clsQSOM_DM> RecordParam(const cMarshall& call, std::string_view name) {
   Variant value = call.ReadParam(name);
-  auto record = value.IsObject() ? std::dynamic_pointer_cast<clsQSOM_DM>(value.AsObject()) : nullptr;
-  if (!record) Raise(kErrInvalidProcedureCall, kSource, "the parameter Record must be a clsQSOM_DM");
+  auto record =
+      value.IsObject() ? std::dynamic_pointer_cast<clsQSOM_DM>(value.AsObject()) : nullptr;
+  if (!record)
+    Raise(kErrInvalidProcedureCall, kSource, "the parameter Record must be a clsQSOM_DM");
   return record;
 }
 

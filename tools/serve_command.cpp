@@ -29,7 +29,8 @@ std::string ReadToken(const std::string& path) {
   const auto last = token.find_last_not_of(" \t\r\n");
   token.erase(last == std::string::npos ? 0 : last + 1);
   token.erase(0, token.find_first_not_of(" \t\r\n"));
-  if (token.empty()) Raise(kErrInvalidProcedureCall, "brixq", "the token file " + path + " is empty");
+  if (token.empty())
+    Raise(kErrInvalidProcedureCall, "brixq", "the token file " + path + " is empty");
   return token;
 }
 

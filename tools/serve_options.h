@@ -14,7 +14,7 @@ struct ServeOptions {
   bool help = false;
   std::string host = "127.0.0.1";  ///< --listen HOST:PORT; port 0 picks a free one
   int port = 8080;
-  std::string catalog;  ///< --catalog URL; empty means the default SQLite file
+  std::string catalog;                    ///< --catalog URL; empty means the default SQLite file
   std::optional<std::string> token_file;  ///< writes need this token as Bearer
   int threads = 64;                       ///< connections served at once
   std::optional<std::string> web;         ///< the page's folder, served at /

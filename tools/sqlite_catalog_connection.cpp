@@ -29,9 +29,9 @@ SqliteCatalogConnection::SqliteCatalogConnection(const std::string& path)
   std::filesystem::path folder = std::filesystem::path(path).parent_path();
   if (!folder.empty()) std::filesystem::create_directories(folder, ignored);
   sqlite3* raw = nullptr;
-  int code = sqlite3_open_v2(path.c_str(), &raw,
-                             SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX,
-                             nullptr);
+  int code =
+      sqlite3_open_v2(path.c_str(), &raw,
+                      SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
   db_.reset(raw);
   if (code != SQLITE_OK) {
     RaiseSqlite(code, "cannot open the catalogue " + path + ": " + sqlite3_errstr(code));
@@ -51,8 +51,8 @@ SqliteCatalogConnection::Statement SqliteCatalogConnection::Run(
   for (std::size_t i = 0; i < params.size(); ++i) {
     int index = static_cast<int>(i + 1);
     if (const auto* text_value = std::get_if<std::string>(&params[i])) {
-      code = sqlite3_bind_text(raw, index, text_value->data(),
-                               static_cast<int>(text_value->size()), SQLITE_TRANSIENT);
+      code = sqlite3_bind_text(raw, index, text_value->data(), static_cast<int>(text_value->size()),
+                               SQLITE_TRANSIENT);
     } else if (const auto* number = std::get_if<std::int64_t>(&params[i])) {
       code = sqlite3_bind_int64(raw, index, *number);
     } else {

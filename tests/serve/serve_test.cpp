@@ -1,11 +1,11 @@
 // brixq serve as a client sees it: the real process on a free port, a temporary SQLite
 // catalogue or the test run's PostgreSQL, httplib's client.
-#include <gtest/gtest.h>
 #include <arpa/inet.h>
+#include <gtest/gtest.h>
 #include <libpq-fe.h>
 #include <netinet/in.h>
-#include <sys/socket.h>
 #include <stdlib.h>
+#include <sys/socket.h>
 
 #include <atomic>
 #include <filesystem>
@@ -94,8 +94,8 @@ class Catalogue : public ::testing::TestWithParam<Backend> {
     fs::remove_all(dir_);
   }
   std::unique_ptr<ServerProcess> Start() {
-    auto server = std::make_unique<ServerProcess>(
-        std::vector<std::string>{"--catalog", catalog_}, dir_ + "/server.log");
+    auto server = std::make_unique<ServerProcess>(std::vector<std::string>{"--catalog", catalog_},
+                                                  dir_ + "/server.log");
     EXPECT_NE(server->port(), 0) << ReadFile(dir_ + "/server.log");
     return server;
   }
@@ -296,7 +296,8 @@ TEST_F(Serve, RendersTheTextsOfTheCommandLine) {
   const std::vector<Case> cases = {
       {"orders.xml", "", json::object()},
       {"legal_documents.xml", "--date 2024-03-15", {{"date", "2024-03-15"}}},
-      {"parameter_query.xml", "--param Oras=Cluj,Iasi",
+      {"parameter_query.xml",
+       "--param Oras=Cluj,Iasi",
        {{"params", {{{"name", "Oras"}, {"values", {"Cluj", "Iasi"}}}}}}},
   };
   auto client = server_->Client();
@@ -340,6 +341,22 @@ TEST_F(Serve, RendersTheTextsOfTheCommandLine) {
   }
 }
 
+TEST_F(Serve, RendersADefinitionPostedAsXmlAndOnlyThePartsAsked) {
+  auto result = server_->Client().Post("/api/render?top=3&dialect=sqlite",
+                                       ReadFile(kExamples + "/orders.xml"), "application/xml");
+  ASSERT_EQ(result->status, 200) << result->body;
+  json answer = Body(result);
+  EXPECT_EQ(answer["sql"], RunBrixq("sql --top 3 " + kExamples + "/orders.xml"));
+  EXPECT_FALSE(answer["statements"].contains("postgresql"));
+  ExpectError(server_->Client().Post("/api/render?top=x", "<x/>", "application/xml"), 400, 0,
+              "brixq serve", "top must be a whole number");
+  // Only the parts asked for.
+  json request = {{"definition", ReadFile(kExamples + "/orders.xml")}, {"parts", {"where", "sql"}}};
+  answer = Body(server_->Client().Post("/api/render", request.dump(), kJson));
+  EXPECT_EQ(answer.size(), 2u);
+  EXPECT_EQ(answer["where"], RunBrixq("where " + kExamples + "/orders.xml"));
+}
+
 TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
   const std::string orders = ReadFile(kExamples + "/orders.xml");
   auto with = [&](json extra) {
@@ -364,6 +381,7 @@ TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
       {"POST", "/api/render", with({{"near", 40000}}),       400, 0, ours, "\"near\" must be a whole number"},
       {"POST", "/api/render", with({{"dialect", "oracle"}}), 400, 0, ours, "\"dialect\" must be"},
       {"POST", "/api/render", with({{"params", {{{"name", 1}}}}}), 400, 0, ours, "\"params\" must be"},
+      {"POST", "/api/render", with({{"parts", {"sql", "all"}}}), 400, 0, ours, "\"parts\" must be"},
       {"POST", "/api/render", "{\"definition\": \"<PropertyBag><x\"}", 422, kLoadFailed, kLoadSource,
        "Couldn't load xml query definition!\r\n"},
       {"GET", "/api/queries/bad%21id",  "",                  400, 0, ours, "a record ID is 1 to 128"},
@@ -408,8 +426,10 @@ TEST_F(Serve, ServesThePageAndDropsSlowClients) {
   address.sin_port = htons(server_->port());
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
   ASSERT_EQ(connect(socket_fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-  const std::string partial = "POST /api/render HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n\r\n{";
-  ASSERT_EQ(send(socket_fd, partial.data(), partial.size(), 0), static_cast<ssize_t>(partial.size()));
+  const std::string partial =
+      "POST /api/render HTTP/1.1\r\nHost: x\r\nContent-Length: 100\r\n\r\n{";
+  ASSERT_EQ(send(socket_fd, partial.data(), partial.size(), 0),
+            static_cast<ssize_t>(partial.size()));
   timeval wait{5, 0};
   setsockopt(socket_fd, SOL_SOCKET, SO_RCVTIMEO, &wait, sizeof wait);
   char buffer[512] = {};
@@ -435,8 +455,9 @@ TEST_F(Serve, ImportedSamplesAreServed) {
   EXPECT_EQ(page["total"], 2);
   json clauses = Body(server_->Client().Get("/api/catalogue/clauses"))["clauses"];
   ASSERT_EQ(clauses.size(), 32u);
-  EXPECT_EQ(clauses[0], json({{"number", 1}, {"name", "qbe_ClauseBetween"},
-                              {"description", "intre ___ si ___"}}));
+  EXPECT_EQ(
+      clauses[0],
+      json({{"number", 1}, {"name", "qbe_ClauseBetween"}, {"description", "intre ___ si ___"}}));
 }
 
 TEST(ServeToken, WritesNeedTheTokenAndOtherAddressesNeedOne) {
@@ -468,8 +489,8 @@ TEST(ServeToken, WritesNeedTheTokenAndOtherAddressesNeedOne) {
 // Sends `call` to /rpc and reads the answer.
 std::shared_ptr<cMarshall> Call(httplib::Client& client, const cMarshall& call) {
   ByteArray bytes = call.GetContents();
-  auto result = client.Post("/rpc", std::string(bytes.begin(), bytes.end()),
-                            "application/octet-stream");
+  auto result =
+      client.Post("/rpc", std::string(bytes.begin(), bytes.end()), "application/octet-stream");
   EXPECT_EQ(result->status, 200);
   auto answer = cMarshall::Create();
   answer->SetbMakeCompress(call.bMakeCompress());
@@ -537,12 +558,12 @@ TEST_F(Serve, AnswersEnvelopesWithEnvelopes) {
     std::string source, description;
   };
   const std::string rpc = "[brixq serve].[rpc]";
-  for (const Case& c : std::vector<Case>{
-           {NewCall("DropAll"), 5, rpc, "unknown procedure \"DropAll\""},
-           {unknown_class, 5, rpc, "unknown class \"Catalog.Users\""},
-           {stale, 20409, rpc, "the record \"orders\" is at version 2, not 7"},
-           {NewCall("LoadQuery"), static_cast<std::int32_t>(0x80040205), "[QuillMarshall].[ReadParam]",
-            "Unsupported data type"}}) {
+  for (const Case& c :
+       std::vector<Case>{{NewCall("DropAll"), 5, rpc, "unknown procedure \"DropAll\""},
+                         {unknown_class, 5, rpc, "unknown class \"Catalog.Users\""},
+                         {stale, 20409, rpc, "the record \"orders\" is at version 2, not 7"},
+                         {NewCall("LoadQuery"), static_cast<std::int32_t>(0x80040205),
+                          "[QuillMarshall].[ReadParam]", "Unsupported data type"}}) {
     auto answer = Call(client, *c.call);
     EXPECT_EQ(answer->ErrorNo(), c.number);
     EXPECT_EQ(answer->ErrorSource(), c.source);

@@ -1,0 +1,80 @@
+#!/usr/bin/env python3
+"""The load figures of scripts/bench-serve.
+
+  serve_report.py parse NAME CLIENTS WRK_OUTPUT     one JSON line: requests/s, p50 and p99 in ms
+  serve_report.py write RESULTS PERFORMANCE_MD CPUS SECONDS NODE RQB_VERSION HANDLER_LOG
+      replaces the section "## `brixq serve` under load" of PERFORMANCE_MD (to its end) by the
+      table of RESULTS; HANDLER_LOG is brixq serve's request log, whose per-request handling times
+      say how much of a request the handler takes.
+"""
+import json
+import re
+import statistics
+import sys
+from pathlib import Path
+
+HEADING = "## `brixq serve` under load"
+UNITS = {"us": 1e-3, "ms": 1.0, "s": 1e3}
+
+
+def milliseconds(text):
+    number, unit = re.fullmatch(r"([\d.]+)(us|ms|s)", text).groups()
+    return float(number) * UNITS[unit]
+
+
+def parse(name, clients, wrk_file):
+    text = Path(wrk_file).read_text()
+    rps = float(re.search(r"Requests/sec:\s+([\d.]+)", text).group(1))
+    percent = dict(re.findall(r"^\s+(\d+)%\s+(\S+)\s*$", text, re.M))
+    print(json.dumps({"server": name, "clients": int(clients), "rps": rps,
+                      "p50_ms": milliseconds(percent["50"]), "p99_ms": milliseconds(percent["99"])}))
+
+
+def handler_times(log_file):
+    times = [float(m) for m in re.findall(r" ([\d.]+)ms POST ", Path(log_file).read_text())]
+    if not times:
+        return None
+    times.sort()
+    return statistics.median(times), times[int(len(times) * 0.99)]
+
+
+def write(results_file, md_file, cpus, seconds, node, rqb, log_file):
+    rows = [json.loads(line) for line in Path(results_file).read_text().splitlines() if line]
+    by = {(r["server"], r["clients"]): r for r in rows}
+    clients = sorted({r["clients"] for r in rows})
+    lines = [HEADING, "",
+             f"Written by `scripts/bench-serve` from one run on {cpus} CPUs: `wrk` posts the orders "
+             f"sample to `POST /api/render` for {seconds} s at each number of connections (wrk itself "
+             "runs on the same machine). brixq answers every text of the definition (SQL, WHERE, "
+             "full-text request, descriptions, every field's clause list, both parameterized "
+             "statements) and, as the peer does, the SQL alone; the peer, node's `http` module on Node " + node + " with "
+             f"react-querybuilder {rqb}, answers `formatQuery(query, 'sql')` of the same filter.", "",
+             "| connections | server | req/s | p50 | p99 | req/s / peer |",
+             "|---|---|---|---|---|---|"]
+    labels = {"brixq": "brixq, every text", "brixq_sql": "brixq, `parts: [\"sql\"]`",
+              "peer": "peer, `formatQuery(query, 'sql')`"}
+    for c in clients:
+        peer = by[("peer", c)]
+        for server in ("brixq", "brixq_sql", "peer"):
+            r = by.get((server, c))
+            if r:
+                lines.append(f"| {c} | {labels[server]} | {r['rps']:.0f} | {r['p50_ms']:.2f} ms | "
+                             f"{r['p99_ms']:.2f} ms | {r['rps'] / peer['rps']:.2f}x |")
+    lines += ["", "Aim: at least 3x the peer's throughput at 64 connections, p99 under 10 ms.", ""]
+    handler = handler_times(log_file)
+    if handler:
+        lines += [f"Inside brixq the handler (JSON parse, `LoadXMLDef`, every render, JSON dump) "
+                  f"took {handler[0]:.2f} ms at the median and {handler[1]:.2f} ms at p99 over all "
+                  "requests, from the server's request log; the rest of a request's latency is HTTP, "
+                  "the kernel and the wait for one of the two CPUs shared with wrk.", ""]
+    text = Path(md_file).read_text() if Path(md_file).exists() else "# Performance\n"
+    at = text.find(HEADING)
+    head = (text if at < 0 else text[:at]).rstrip("\n") + "\n\n"
+    Path(md_file).write_text(head + "\n".join(lines))
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "parse":
+        parse(*sys.argv[2:5])
+    else:
+        write(*sys.argv[2:9])
