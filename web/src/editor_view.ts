@@ -313,7 +313,7 @@ export class EditorView {
     const offered: Clause[] = [...entry.rendered.clauses];
     if (!offered.some((c) => c.number === current)) {
       // A clause the field no longer offers stays visible, so an untouched condition is kept.
-      offered.push({ number: current, name: "", description: this.clauseNames.get(current) ?? `(${current})` });
+      offered.push({ number: current, name: `(${current})` });
     }
     const select = this.clauseOptions(offered);
     select.id = id;
@@ -328,16 +328,21 @@ export class EditorView {
     return select;
   }
 
+  /** The clause's Romanian text from the engine's catalogue; its identifier where there is none. */
+  private clauseText(clause: Clause): string {
+    return this.clauseNames.get(clause.number) || clause.description || clause.name;
+  }
+
   // Rows of one field share their option list: a copy of a prepared picker is much cheaper than
   // building thousands of options one by one.
   private clauseOptions(offered: Clause[]): HTMLSelectElement {
-    const key = offered.map((c) => `${c.number}\t${clauseText(c)}`).join("\n");
+    const key = offered.map((c) => c.number).join(",");
     let prototype = this.pickerPrototypes.get(key);
     if (!prototype) {
       prototype = h(
         "select",
         { class: "clause", "aria-label": "Clause" },
-        offered.map((c) => h("option", { value: String(c.number) }, clauseText(c))),
+        offered.map((c) => h("option", { value: String(c.number) }, this.clauseText(c))),
       );
       this.pickerPrototypes.set(key, prototype);
     }
@@ -469,9 +474,4 @@ function changeClause(element: Element, from: number, to: number): void {
   const keepFirst = before === after || (before !== "none" && (before === "single" || before === "range") && (after === "single" || after === "range"));
   if (!keepFirst && (readVariant(element, "Value") ?? "") !== "") setRow(element, "Value", "");
   if (after !== "range" && (readVariant(element, "SecondaryValue") ?? "") !== "") setRow(element, "SecondaryValue", "");
-}
-
-/** The clause's Romanian text as the engine gives it; its identifier where there is none. */
-function clauseText(clause: Clause): string {
-  return clause.description || clause.name;
 }
