@@ -45,6 +45,21 @@ try {
   await page.getByRole("button", { name: "Save" }).click();
   await page.locator("#save-state", { hasText: "All changes saved" }).waitFor();
 
+  // Someone else saves first: the second save asks which version stays.
+  const other = await browser.context.newPage();
+  await other.goto(server.url + "/#/q/comenzi-martie");
+  await settled(other);
+  await other.locator("section.field", { has: other.getByRole("heading", { name: /^Cantitate/ }) }).getByLabel("Value").fill("3");
+  await other.getByRole("button", { name: "Save" }).click();
+  await other.locator("#save-state", { hasText: "All changes saved" }).waitFor();
+  await other.close();
+  await quantity.getByLabel("Value").fill("5");
+  await page.getByRole("button", { name: "Save" }).click();
+  await page.getByRole("dialog").waitFor();
+  await shot("7-conflict");
+  await page.getByRole("button", { name: "Keep my version" }).click();
+  await page.locator("#save-state", { hasText: "All changes saved" }).waitFor();
+
   await page.goto(server.url + "/#/q/clienti-oras");
   await settled(page);
   await page.getByLabel("Parameter Oras").fill("Cluj, Iasi");
