@@ -54,6 +54,8 @@ export interface RenderRequest {
   date?: string;
   params?: { name: string; values: string[] }[];
   top?: number;
+  /** Only these members of the answer are rendered (all when absent). */
+  parts?: string[];
 }
 
 export type QueryRecord = Record<string, string | number | boolean>;

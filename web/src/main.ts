@@ -275,7 +275,7 @@ class App {
   // not render still gets its editor from the same definition without them.
   private async renderStructure(session: Session): Promise<void> {
     try {
-      const rendered = await render({ definition: session.definition.withoutConditions() });
+      const rendered = await render({ definition: session.definition.withoutConditions(), parts: ["fields"] });
       if (session === this.session) this.useFields(rendered.fields);
     } catch (error) {
       this.showError(error);

@@ -142,3 +142,17 @@ test("the list editor splits an IN list into items and writes it back quoted", a
     ["Iasi", "Targu 'Mures'"],
   );
 });
+
+test("a stored definition that does not render still opens, with its error beside the condition", async () => {
+  const broken = (await sample("orders")).replace("<Value>2</Value>", "<Value>doi</Value>");
+  await createQuery(env.url, "broken", "Stricata", broken);
+  const page = await env.context.newPage();
+  await page.goto(`${env.url}/#/q/broken`);
+  const field = page.locator("section.field", { has: page.getByRole("heading", { name: /^Cantitate/ }) });
+  await field.locator("p.error").waitFor();
+  assert.equal(await field.getByLabel("Value").inputValue(), "doi");
+  assert.ok(await page.locator(".output .banner").isVisible());
+  await field.getByLabel("Value").fill("3");
+  await page.waitForFunction(() => document.querySelector("#out-sql").textContent.includes("Quantity >= 3"));
+  assert.ok(await field.locator("p.error").isHidden());
+});
