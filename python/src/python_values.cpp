@@ -153,7 +153,9 @@ ByteArray BytesFrom(py::handle value) {
   if (py::isinstance<py::bytes>(value)) {
     bytes = py::reinterpret_borrow<py::bytes>(value);
   } else if (py::isinstance<py::bytearray>(value) || py::isinstance<py::memoryview>(value)) {
-    bytes = py::bytes(py::reinterpret_borrow<py::object>(value));
+    PyObject* copy = PyBytes_FromObject(value.ptr());
+    if (!copy) throw py::error_already_set();
+    bytes = py::reinterpret_steal<py::bytes>(copy);
   } else {
     throw py::type_error("expected bytes, got " +
                          py::str(py::type::of(value).attr("__name__")).cast<std::string>());

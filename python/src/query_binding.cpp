@@ -292,7 +292,8 @@ std::shared_ptr<xqb_Condition> AddCondition(xqb_Field& field, std::int32_t claus
 py::bytes DefinitionBytes(py::handle source) {
   if (py::isinstance<py::bytes>(source)) return py::reinterpret_borrow<py::bytes>(source);
   if (py::isinstance<py::bytearray>(source) || py::isinstance<py::memoryview>(source)) {
-    return py::bytes(py::reinterpret_borrow<py::object>(source));
+    const ByteArray bytes = BytesFrom(source);
+    return py::bytes(reinterpret_cast<const char*>(bytes.data()), bytes.size());
   }
   if (py::isinstance<py::str>(source)) {
     const std::string text = source.cast<std::string>();
