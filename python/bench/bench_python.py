@@ -10,6 +10,7 @@ parameterized statement on the orders sample). The module must be importable (PY
 
 import concurrent.futures
 import json
+import os
 import re
 import statistics
 import subprocess
@@ -68,7 +69,7 @@ def render_all(texts, threads):
     return elapsed
 
 
-def section(cpp, python, batch):
+def section(cpp, python, batch, load):
     sql_ratio = python["sql"] / cpp["BM_OrdersSql"]
     param_ratio = python["parameterized"] / cpp["BM_OrdersParameterized"]
     one, two = batch
@@ -79,7 +80,8 @@ def section(cpp, python, batch):
         "Measured by `python/bench/bench_python.py` (run by `scripts/bench`): the module built "
         "in Release, Debian's Python, medians of "
         f"{REPETITIONS} repetitions of CPU time; the C++ figures from `python_reference_bench` "
-        "in the same run.",
+        f"in the same run. {os.cpu_count()} CPUs, load average {load:.1f} when the run began "
+        "(the machine is shared: the two-thread figure only shows a gain on idle cores).",
         "",
         "| one call on the orders sample | C++ | Python | Python / C++ |",
         "|---|---|---|---|",
@@ -103,6 +105,7 @@ def section(cpp, python, batch):
 
 
 def main(program, examples, performance_md):
+    load = os.getloadavg()[0]
     orders = (Path(examples) / "orders.xml").read_text(encoding="utf-8")
     cpp = cpp_medians(program)
     query = brix.Query.load(orders)
@@ -110,7 +113,7 @@ def main(program, examples, performance_md):
               "parameterized": python_ns(lambda: query.parameterized("postgresql"), 10_000)}
     texts = definitions(orders)
     batch = (render_all(texts, 1), render_all(texts, 2))
-    text = section(cpp, python, batch)
+    text = section(cpp, python, batch, load)
     doc = Path(performance_md)
     current = doc.read_text(encoding="utf-8") if doc.exists() else "# Performance\n"
     pattern = re.compile(re.escape(BEGIN) + ".*?" + re.escape(END), re.S)

@@ -33,3 +33,21 @@ def test_readme_example_converts_a_folder_to_postgresql_statements(brixq, tmp_pa
         assert (tmp_path / "out" / f"{stem}.sql").read_text() == expected["sql"] + "\n"
         values = json.loads((tmp_path / "out" / f"{stem}.json").read_text())
         assert list(map(text, values)) == [text(p["value"]) for p in expected["parameters"]]
+
+
+def readme_python_blocks():
+    readme = (Path(__file__).resolve().parents[2] / "README.md").read_text(encoding="utf-8")
+    section = readme.split("\n## Python\n", 1)[1].split("\n## ", 1)[0]
+    return [block.split("```", 1)[0] for block in section.split("```python\n")[1:]]
+
+
+def test_readme_shows_the_example_file_as_it_is():
+    assert readme_python_blocks()[0] in EXAMPLE.read_text(encoding="utf-8")
+
+
+def test_readme_tour_runs(sample_db, monkeypatch):
+    monkeypatch.chdir(Path(__file__).resolve().parents[2])
+    tour = readme_python_blocks()[1].replace("build/release/examples/sample.db", sample_db)
+    namespace = {}
+    exec(compile(tour, "README.md", "exec"), namespace)
+    assert len(namespace["rows"]) == 4
