@@ -41,9 +41,8 @@ class FixedClockScope {
 };
 
 std::shared_ptr<Logger> MakeLogger(std::int32_t debug_mode, const std::string& title,
-                                   const std::string& default_message,
-                                   const std::string& log_path, py::handle exe_name,
-                                   py::handle path, py::handle version) {
+                                   const std::string& default_message, const std::string& log_path,
+                                   py::handle exe_name, py::handle path, py::handle version) {
   std::shared_ptr<App> app = App::Create();
   if (!exe_name.is_none()) app->SetEXEName(FromPython<std::string>(exe_name));
   if (!path.is_none()) app->SetPath(FromPython<std::string>(path));
@@ -120,12 +119,13 @@ void BindClock(py::module_& m) {
                               "reads) for a with block.")
       .def(py::init([](py::handle moment) { return FixedClockScope(ToDaySerial(moment)); }),
            py::arg("moment"))
-      .def("__enter__",
-           [](FixedClockScope& scope) {
-             scope.Enter();
-             return &scope;
-           },
-           py::return_value_policy::reference)
+      .def(
+          "__enter__",
+          [](FixedClockScope& scope) {
+            scope.Enter();
+            return &scope;
+          },
+          py::return_value_policy::reference)
       .def("__exit__", [](FixedClockScope& scope, py::args) {
         scope.Exit();
         return false;

@@ -43,8 +43,8 @@ void Translate(std::exception_ptr pending) {
     }
   } catch (const std::bad_alloc&) {
     try {
-      SetPythonError(Error(kErrOutOfMemory, std::string(kLibraryName),
-                           StandardMessage(kErrOutOfMemory)));
+      SetPythonError(
+          Error(kErrOutOfMemory, std::string(kLibraryName), StandardMessage(kErrOutOfMemory)));
     } catch (py::error_already_set& failure) {
       failure.restore();
     }

@@ -51,14 +51,24 @@ const std::int64_t kDayZero = DaysFromCivil(1899, 12, 30);
 py::module_ Datetime() { return py::module_::import("datetime"); }
 
 double TimeFraction(py::handle value) {
-  const double seconds = value.attr("hour").cast<double>() * 3600 +
-                         value.attr("minute").cast<double>() * 60 +
-                         value.attr("second").cast<double>() +
-                         value.attr("microsecond").cast<double>() / 1e6;
+  const double seconds =
+      value.attr("hour").cast<double>() * 3600 + value.attr("minute").cast<double>() * 60 +
+      value.attr("second").cast<double>() + value.attr("microsecond").cast<double>() / 1e6;
   return seconds / kSecondsPerDay;
 }
 
+// Arrays nest at most this deep; a list that holds itself would otherwise recurse without end.
+constexpr int kMaxArrayDepth = 64;
+thread_local int array_depth = 0;
+
 Variant ToArray(py::handle sequence) {
+  if (array_depth >= kMaxArrayDepth) {
+    throw py::value_error("lists nest deeper than " + std::to_string(kMaxArrayDepth) + " levels");
+  }
+  struct Nesting {
+    Nesting() { ++array_depth; }
+    ~Nesting() { --array_depth; }
+  } nesting;
   VariantArray array;
   for (py::handle item : sequence) array.items.push_back(ToVariant(item));
   return Variant(std::move(array));
@@ -116,19 +126,20 @@ void BindValueTypes(py::module_& module) {
   py::class_<NullValue>(module, "NullType", "The type of `Null`, the platform's null value.")
       .def("__repr__", [](const NullValue&) { return "Null"; })
       .def("__bool__", [](const NullValue&) { return false; })
-      .def("__eq__", [](const NullValue&, py::handle other) {
-        return py::isinstance<NullValue>(other);
-      })
+      .def("__eq__",
+           [](const NullValue&, py::handle other) { return py::isinstance<NullValue>(other); })
       .def("__hash__", [](const NullValue&) { return 0x6e756c6c; });
   module.attr("Null") = NullValue{};
 
   py::class_<ErrorValue>(module, "ErrorValue", "An error code held as a value.")
       .def(py::init([](std::int32_t code) { return ErrorValue{code}; }), py::arg("code"))
       .def_readonly("code", &ErrorValue::code)
-      .def("__repr__", [](const ErrorValue& e) { return "ErrorValue(" + std::to_string(e.code) + ")"; })
-      .def("__eq__", [](const ErrorValue& a, py::handle b) {
-        return py::isinstance<ErrorValue>(b) && b.cast<ErrorValue>().code == a.code;
-      })
+      .def("__repr__",
+           [](const ErrorValue& e) { return "ErrorValue(" + std::to_string(e.code) + ")"; })
+      .def("__eq__",
+           [](const ErrorValue& a, py::handle b) {
+             return py::isinstance<ErrorValue>(b) && b.cast<ErrorValue>().code == a.code;
+           })
       .def("__hash__", [](const ErrorValue& e) { return e.code; });
 }
 
@@ -138,9 +149,10 @@ double ToDaySerial(py::handle value) {
   if (!py::isinstance(value, datetime.attr("date"))) {
     throw py::type_error("expected a datetime.date, datetime.datetime or datetime.time");
   }
-  const double day = static_cast<double>(
-      DaysFromCivil(value.attr("year").cast<int>(), value.attr("month").cast<unsigned>(),
-                    value.attr("day").cast<unsigned>()) - kDayZero);
+  const double day = static_cast<double>(DaysFromCivil(value.attr("year").cast<int>(),
+                                                       value.attr("month").cast<unsigned>(),
+                                                       value.attr("day").cast<unsigned>()) -
+                                         kDayZero);
   if (!py::isinstance(value, datetime.attr("datetime"))) return day;
   // Before day 0 the sign belongs to the day alone: the time is subtracted (day -1 at 06:00 is
   // -1.25).
@@ -194,7 +206,8 @@ Variant ToVariant(py::handle value) {
     return Variant(BytesFrom(value));
   }
   py::module_ datetime = Datetime();
-  if (py::isinstance(value, datetime.attr("date")) || py::isinstance(value, datetime.attr("time"))) {
+  if (py::isinstance(value, datetime.attr("date")) ||
+      py::isinstance(value, datetime.attr("time"))) {
     return Variant(Date{ToDaySerial(value)});
   }
   if (py::isinstance(value, py::module_::import("decimal").attr("Decimal"))) {

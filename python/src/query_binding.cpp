@@ -265,10 +265,9 @@ std::shared_ptr<xqb_Field> FieldOf(xqb_Query& query, py::handle table, py::handl
 }
 
 // Adds a condition: a random ConditionID as the collection gives one, or the given one.
-std::shared_ptr<xqb_Condition> AddCondition(xqb_Field& field, std::int32_t clause,
-                                            py::handle value, py::handle secondary_value,
-                                            py::handle logic, py::handle param_name,
-                                            py::handle condition_id) {
+std::shared_ptr<xqb_Condition> AddCondition(xqb_Field& field, std::int32_t clause, py::handle value,
+                                            py::handle secondary_value, py::handle logic,
+                                            py::handle param_name, py::handle condition_id) {
   const auto clause_value = static_cast<qbe_ClauseOperator>(clause);
   std::shared_ptr<xqb_Condition> condition;
   if (condition_id.is_none()) {
@@ -281,7 +280,8 @@ std::shared_ptr<xqb_Condition> AddCondition(xqb_Field& field, std::int32_t claus
     condition->SetSecondaryValue(ToVariant(secondary_value));
   }
   if (!logic.is_none()) {
-    condition->SetWhereClauseLogic(static_cast<qbe_WhereClauseLogic>(IntegerFrom<std::int32_t>(logic)));
+    condition->SetWhereClauseLogic(
+        static_cast<qbe_WhereClauseLogic>(IntegerFrom<std::int32_t>(logic)));
   }
   if (!param_name.is_none()) condition->SetParamName(FromPython<std::string>(param_name));
   if (!condition_id.is_none()) field.Conditions()->AddObjectCondition(condition);
@@ -353,7 +353,8 @@ py::tuple StatementTuple(const ParameterizedStatement& statement, const std::str
     throw py::value_error("paramstyle must be \"native\", or \"format\" for postgresql");
   }
   const FormatStyleStatement format = ToFormatStyle(statement.text, statement.parameters.size());
-  for (std::size_t index : format.order) values.append(FromSqlParameter(statement.parameters[index]));
+  for (std::size_t index : format.order)
+    values.append(FromSqlParameter(statement.parameters[index]));
   return py::make_tuple(Text(format.text), values);
 }
 
@@ -407,8 +408,11 @@ void BindQuery(py::module_& m) {
             if (!today.is_none()) query->SetToday(DayNumber(today));
             return query;
           },
-          py::arg("source"), py::kw_only(), py::arg("today") = py::none())
-      .def("save", [](xqb_Query& q) { return Text(WithoutGil([&] { return q.SaveXMLDef(); })); })
+          "Loads a saved definition: bytes, XML text, or a file's path.", py::arg("source"),
+          py::kw_only(), py::arg("today") = py::none())
+      .def(
+          "save", [](xqb_Query& q) { return Text(WithoutGil([&] { return q.SaveXMLDef(); })); },
+          "The definition as XML text, as a host stores it.")
       .def_property_readonly("tables", &xqb_Query::Tables)
       .def_property(
           "today", [](const xqb_Query& q) { return FromDaySerial(q.Today()); },
@@ -418,7 +422,7 @@ void BindQuery(py::module_& m) {
           [](const xqb_Query& q, std::int32_t top) {
             return Text(WithoutGil([&] { return q.ReturnSQL(top); }));
           },
-          py::arg("top") = 0)
+          "The whole SELECT statement, with LIMIT top when top is not 0.", py::arg("top") = 0)
       .def(
           "where",
           [](const xqb_Query& q, bool simple_fields, std::shared_ptr<xqb_Table> table,
@@ -426,20 +430,20 @@ void BindQuery(py::module_& m) {
             return Text(WithoutGil(
                 [&] { return q.ReturnWHEREConditions(simple_fields, table, with_joins); }));
           },
-          py::arg("simple_fields") = true, py::arg("table") = nullptr,
-          py::arg("with_joins") = false)
+          "The filter text alone, of every table or of `table`.", py::arg("simple_fields") = true,
+          py::arg("table") = nullptr, py::arg("with_joins") = false)
       .def(
           "full_text",
           [](const xqb_Query& q, std::int16_t near) {
             return Text(WithoutGil([&] { return q.ReturnDTConditions(near); }));
           },
-          py::arg("near") = 33)
-      .def("describe", &Describe)
+          "The dtSearch request of the first table's indexed fields.", py::arg("near") = 33)
+      .def("describe", &Describe, "(ConditionID, description) of every condition, in tree order.")
       .def("describe_condition",
            [](const xqb_Query& q, std::int32_t id) {
              return Text(WithoutGil([&] { return q.ReturnConditionDescription(id); }));
            })
-      .def("clauses", &Clauses)
+      .def("clauses", &Clauses, "(table, field, available clause numbers) of every field.")
       .def("condition_rows", [](xqb_Query& q) { return FromVariant(q.ReturnAllClauses()); })
       .def(
           "add_param_values",
@@ -448,15 +452,17 @@ void BindQuery(py::module_& m) {
             for (py::handle value : values) array.items.push_back(ToVariant(value));
             q.AddParamValues(name, Variant(std::move(array)));
           },
-          py::arg("name"), py::arg("values"))
+          "Adds a condition per run-time value of parameter `name`.", py::arg("name"),
+          py::arg("values"))
       .def(
           "parameterized",
-          [](const xqb_Query& q, const std::string& dialect, std::int32_t top,
-             bool refuse_host_sql, const std::string& paramstyle) {
+          [](const xqb_Query& q, const std::string& dialect, std::int32_t top, bool refuse_host_sql,
+             const std::string& paramstyle) {
             const StatementOptions options = OptionsOf(dialect, top, refuse_host_sql);
             return StatementTuple(WithoutGil([&] { return q.ReturnParameterizedSQL(options); }),
                                   dialect, paramstyle);
           },
+          "(statement, typed values) for sqlite3 or a PostgreSQL client.",
           py::arg("dialect") = "sqlite", py::arg("top") = 0, py::kw_only(),
           py::arg("refuse_host_sql") = false, py::arg("paramstyle") = "native")
       .def(
@@ -466,23 +472,25 @@ void BindQuery(py::module_& m) {
              const std::string& paramstyle) {
             const StatementOptions options = OptionsOf(dialect, 0, refuse_host_sql);
             return StatementTuple(WithoutGil([&] {
-                                    return q.ReturnParameterizedWHERE(options, simple_fields,
-                                                                      table, with_joins);
+                                    return q.ReturnParameterizedWHERE(options, simple_fields, table,
+                                                                      with_joins);
                                   }),
                                   dialect, paramstyle);
           },
+          "(filter, typed values), the parameterized form of where().",
           py::arg("dialect") = "sqlite", py::kw_only(), py::arg("simple_fields") = true,
           py::arg("table") = nullptr, py::arg("with_joins") = false,
           py::arg("refuse_host_sql") = false, py::arg("paramstyle") = "native")
       .def(
           "add_condition",
           [](xqb_Query& q, py::handle table, py::handle field, std::int32_t clause,
-             py::handle value, py::handle secondary_value, py::handle logic,
-             py::handle param_name, py::handle condition_id) {
+             py::handle value, py::handle secondary_value, py::handle logic, py::handle param_name,
+             py::handle condition_id) {
             return AddCondition(*FieldOf(q, table, field), clause, value, secondary_value, logic,
                                 param_name, condition_id);
           },
-          py::arg("table"), py::arg("field"), py::arg("clause"), py::arg("value") = "",
+          "Adds a condition to the field `field` of table `table`.", py::arg("table"),
+          py::arg("field"), py::arg("clause"), py::arg("value") = "",
           py::arg("secondary_value") = "", py::kw_only(), py::arg("logic") = py::none(),
           py::arg("param_name") = py::none(), py::arg("condition_id") = py::none())
       .def("delete_all_conditions", &xqb_Query::DeleteAllConditions)
@@ -497,8 +505,9 @@ void BindTableAndField(py::module_& m) {
   py::class_<xqb_Table, std::shared_ptr<xqb_Table>> table(m, "Table");
   BindProperties(table, TableProperties());
   BindKeywordConstructor(table, TableProperties(), "Table");
-  table.def_property_readonly("fields", &xqb_Table::Fields)
-      .def("__repr__", [](const xqb_Table& t) { return "<Table '" + t.DBName() + "'>"; });
+  table.def_property_readonly("fields", &xqb_Table::Fields).def("__repr__", [](const xqb_Table& t) {
+    return "<Table '" + t.DBName() + "'>";
+  });
 
   py::class_<xqb_Field, std::shared_ptr<xqb_Field>> field(m, "Field");
   BindProperties(field, FieldProperties());
@@ -516,11 +525,10 @@ void BindTableAndField(py::module_& m) {
           "add_condition",
           [](xqb_Field& f, std::int32_t clause, py::handle value, py::handle secondary_value,
              py::handle logic, py::handle param_name, py::handle condition_id) {
-            return AddCondition(f, clause, value, secondary_value, logic, param_name,
-                                condition_id);
+            return AddCondition(f, clause, value, secondary_value, logic, param_name, condition_id);
           },
-          py::arg("clause"), py::arg("value") = "", py::arg("secondary_value") = "",
-          py::kw_only(), py::arg("logic") = py::none(), py::arg("param_name") = py::none(),
+          py::arg("clause"), py::arg("value") = "", py::arg("secondary_value") = "", py::kw_only(),
+          py::arg("logic") = py::none(), py::arg("param_name") = py::none(),
           py::arg("condition_id") = py::none())
       .def("__repr__", [](const xqb_Field& f) { return "<Field '" + f.DBName() + "'>"; });
 
@@ -536,8 +544,7 @@ void BindCollections(py::module_& m) {
   py::class_<xqb_Tables, std::shared_ptr<xqb_Tables>> tables(m, "Tables");
   tables.def(py::init(&xqb_Tables::Create));
   BindSequence(tables, "Tables");
-  tables
-      .def("add", &xqb_Tables::Add, py::arg("db_name"), py::arg("description") = "")
+  tables.def("add", &xqb_Tables::Add, py::arg("db_name"), py::arg("description") = "")
       .def("append", &xqb_Tables::AddObjectTable, py::arg("table"))
       .def("exists", &xqb_Tables::TableExists, py::arg("db_name"));
 
@@ -563,9 +570,9 @@ void BindCollections(py::module_& m) {
       .def(
           "exists",
           [](xqb_Conditions& c, std::int32_t clause, py::handle value) {
-            return c.ConditionExists(static_cast<qbe_ClauseOperator>(clause),
-                                     value.is(py::ellipsis()) ? Variant::Missing()
-                                                              : ToVariant(value));
+            return c.ConditionExists(
+                static_cast<qbe_ClauseOperator>(clause),
+                value.is(py::ellipsis()) ? Variant::Missing() : ToVariant(value));
           },
           py::arg("clause"), py::arg("value") = py::ellipsis());
 }

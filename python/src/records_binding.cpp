@@ -165,7 +165,7 @@ py::bytes Base64Call(py::handle data, Operation operation) {
 
 void BindBase64(py::module_& m) {
   py::class_<clsBase64, std::shared_ptr<clsBase64>>(m, "Base64",
-                                                     "Base64 on bytes; every method is static.")
+                                                    "Base64 on bytes; every method is static.")
       .def_static(
           "encode",
           [](py::handle data, std::int32_t span) {
@@ -188,10 +188,10 @@ void BindBase64(py::module_& m) {
       .def_static(
           "span",
           [](py::handle data, std::int32_t chars_per_line) {
-            return Base64Call(data, [chars_per_line](clsBase64& codec, const ByteArray& in,
-                                                     ByteArray& out) {
-              codec.Span(chars_per_line, in, out);
-            });
+            return Base64Call(
+                data, [chars_per_line](clsBase64& codec, const ByteArray& in, ByteArray& out) {
+                  codec.Span(chars_per_line, in, out);
+                });
           },
           py::arg("data"), py::arg("chars_per_line"))
       .def_static(

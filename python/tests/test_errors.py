@@ -160,3 +160,22 @@ def test_logger_reports_to_its_file_and_passes_errors_on(tmp_path):
     assert "Numar eroare:    13" in report and "Solutionare:     Verificati valoarea." in report
     assert seen and seen[0][1] == "Verificati valoarea." and seen[0][4] == "Gazda"
     assert "<number>13</number>" in logger.XMLDescription
+
+
+def test_damaged_input_raises_and_never_crashes():
+    rng = __import__("random").Random(7)
+    sample = (__import__("conftest").EXAMPLES / "orders.xml").read_bytes()
+    envelope = bytes(brix.Envelope(ClassName="C", params={"A": 1, "B": "x"}))
+    for _ in range(300):
+        for data, read in ((sample, brix.Query.load), (envelope, brix.Envelope.from_bytes)):
+            damaged = bytearray(data)
+            for _ in range(rng.randrange(1, 4)):
+                damaged[rng.randrange(len(damaged))] = rng.randrange(256)
+            try:
+                read(bytes(damaged[:rng.randrange(1, len(damaged) + 1)]))
+            except brix.BrixError:
+                pass
+    nested = []
+    nested.append(nested)
+    with pytest.raises(ValueError):
+        brix.Condition(Value=nested)
