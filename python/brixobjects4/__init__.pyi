@@ -225,8 +225,10 @@ class Query:
     @staticmethod
     def load(source: Union[str, bytes, os.PathLike[str]], *,
              today: Optional[DateLike] = None) -> "Query":
-        """Loads a saved definition: bytes as they are, a str that starts with "<" as XML text,
-        otherwise a file's path. A definition that does not load raises BrixError 0x80042775."""
+        """Loads a saved definition: bytes as they are (any encoding the document declares), a
+        str that starts with "<" as XML text in UTF-8, otherwise a file's path, read as bytes. A
+        definition that does not load raises BrixError 0x80042775; ``today`` sets Today after
+        loading."""
     def save(self) -> str:
         """The definition as XML text, byte for byte what a host stores (ending in CR LF)."""
     @property
