@@ -108,6 +108,8 @@ OUT_OF_MEMORY = textwrap.dedent("""
 """)
 
 
+@pytest.mark.skipif("libasan" in __import__("os").environ.get("LD_PRELOAD", ""),
+                    reason="AddressSanitizer reserves more address space than the limit allows")
 def test_running_out_of_memory_raises_out_of_memory_error():
     done = subprocess.run([sys.executable, "-c", OUT_OF_MEMORY], capture_output=True, text=True)
     assert done.returncode == 0, done.stderr
