@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <string>
 
 #include "persistence/cls_qsom_dm.h"
@@ -48,7 +49,16 @@ Civil CivilFromDays(std::int64_t z) {
 // Day 0 of the platform's dates, 30 December 1899, in days since 1970.
 const std::int64_t kDayZero = DaysFromCivil(1899, 12, 30);
 
-py::module_ Datetime() { return py::module_::import("datetime"); }
+// A module imported once, when the extension initialises, and kept for the life of the process:
+// never released, so that nothing touches it after the interpreter has finalised.
+const py::module_& Imported(const char* name) {
+  static auto* modules = new std::map<std::string, py::module_>();
+  auto found = modules->find(name);
+  if (found == modules->end()) found = modules->emplace(name, py::module_::import(name)).first;
+  return found->second;
+}
+
+const py::module_& Datetime() { return Imported("datetime"); }
 
 double TimeFraction(py::handle value) {
   const double seconds =
@@ -104,14 +114,13 @@ bool TryFromObject(const Variant::ObjectRef& object, py::object& result) {
 }
 
 py::object Decimal(const Currency& money) {
-  return py::module_::import("decimal").attr("Decimal")(money.scaled).attr("scaleb")(-4);
+  return Imported("decimal").attr("Decimal")(money.scaled).attr("scaleb")(-4);
 }
 
 }  // namespace
 
 py::object EnumMember(const char* enum_name, std::int32_t value) {
-  py::object members =
-      py::module_::import("brixobjects4._enums").attr(enum_name).attr("_value2member_map_");
+  py::object members = Imported("brixobjects4._enums").attr(enum_name).attr("_value2member_map_");
   py::int_ key(value);
   if (members.contains(key)) return members[key];
   return key;
@@ -123,6 +132,9 @@ py::str Text(const std::string& text) {
 }
 
 void BindValueTypes(py::module_& module) {
+  // Imported now, while one thread initialises the extension, so that later lookups only read.
+  for (const char* name : {"datetime", "decimal", "brixobjects4._enums"}) Imported(name);
+
   py::class_<NullValue>(module, "NullType", "The type of `Null`, the platform's null value.")
       .def("__repr__", [](const NullValue&) { return "Null"; })
       .def("__bool__", [](const NullValue&) { return false; })
@@ -144,7 +156,7 @@ void BindValueTypes(py::module_& module) {
 }
 
 double ToDaySerial(py::handle value) {
-  py::module_ datetime = Datetime();
+  const py::module_& datetime = Datetime();
   if (py::isinstance(value, datetime.attr("time"))) return TimeFraction(value);
   if (!py::isinstance(value, datetime.attr("date"))) {
     throw py::type_error("expected a datetime.date, datetime.datetime or datetime.time");
@@ -186,7 +198,7 @@ py::object FromDaySerial(double serial) {
     seconds = 0;
     day += 1;
   }
-  py::module_ datetime = Datetime();
+  const py::module_& datetime = Datetime();
   const long long hour = seconds / 3600, minute = seconds / 60 % 60, second = seconds % 60;
   if (day == 0 && seconds != 0) return datetime.attr("time")(hour, minute, second);
   const Civil civil = CivilFromDays(static_cast<std::int64_t>(day) + kDayZero);
@@ -205,12 +217,12 @@ Variant ToVariant(py::handle value) {
       py::isinstance<py::memoryview>(value)) {
     return Variant(BytesFrom(value));
   }
-  py::module_ datetime = Datetime();
+  const py::module_& datetime = Datetime();
   if (py::isinstance(value, datetime.attr("date")) ||
       py::isinstance(value, datetime.attr("time"))) {
     return Variant(Date{ToDaySerial(value)});
   }
-  if (py::isinstance(value, py::module_::import("decimal").attr("Decimal"))) {
+  if (py::isinstance(value, Imported("decimal").attr("Decimal"))) {
     return Variant(Currency::FromNumber(value.cast<double>()));
   }
   if (py::isinstance<py::list>(value) || py::isinstance<py::tuple>(value)) return ToArray(value);
