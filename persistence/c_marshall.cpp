@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <new>
 
-#include "persistence/cls_qsom_dm.h"
-#include "persistence/cls_user.h"
 #include "persistence/keyed_compression.h"
+#include "persistence/record_row.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -15,13 +14,6 @@ namespace brix {
 namespace {
 
 constexpr std::string_view kValueTypeSuffix = "ValueType";
-
-// Envelopes carry the records: they are readable wherever envelopes are read.
-const bool kRecordsRegistered = [] {
-  RegisterPersistableClass("clsUser", [] { return clsUser::Create(); });
-  RegisterPersistableClass("clsQSOM_DM", [] { return clsQSOM_DM::Create(); });
-  return true;
-}();
 
 std::string Source(std::string_view operation) {
   return "[QuillMarshall].[" + std::string(operation) + "]";
@@ -66,6 +58,7 @@ Variant ReadByTypeCode(const PropertyBag& bag, const std::string& name, std::int
 }  // namespace
 
 cMarshall::cMarshall() {
+  RegisterRecordClasses();  // envelopes carry the records
   try {
     bag_ = PropertyBag::Create();
   } catch (const std::bad_alloc&) {
@@ -183,6 +176,10 @@ std::vector<std::string> cMarshall::ParamNames() const {
   return params;
 }
 
-void cMarshall::Clear() { bag_ = PropertyBag::Create(); }
+void cMarshall::Clear() {
+  const PropertyBagLimits limits = bag_->DecodeLimits();
+  bag_ = PropertyBag::Create();
+  bag_->SetDecodeLimits(limits);
+}
 
 }  // namespace brix

@@ -54,40 +54,26 @@ const clsQSOM_DM::Row* clsQSOM_DM::Rows(std::size_t& count) {
   return rows.data();
 }
 
+clsQSOM_DM::clsQSOM_DM() { RegisterRecordClasses(); }
+
 std::shared_ptr<clsQSOM_DM> clsQSOM_DM::Create() {
   return std::shared_ptr<clsQSOM_DM>(new clsQSOM_DM());
 }
 
 void clsQSOM_DM::WriteProperties(PropertyBag& PropBag) {
+  static constexpr RecordTrap kTrap{"[QSOM_DM.Class_WriteProperties]",
+                                    "Unable to write the saved query record"};
   std::size_t count = 0;
   const Row* rows = Rows(count);
-  try {
-    for (std::size_t i = 0; i < count; ++i) WriteRow(rows[i], *this, PropBag);
-  } catch (const Error& trapped) {
-    Raise(trapped.Number(), "[QSOM_DM.Class_WriteProperties]",
-          TrappedDescription("Unable to write the saved query record", "Reason: ", trapped));
-  }
+  PersistRows(rows, count, *this, PropBag, true, &kTrap);
 }
 
 void clsQSOM_DM::ReadProperties(PropertyBag& PropBag) {
+  static constexpr RecordTrap kTrap{"[QSOM_DM.Class_ReadProperties]",
+                                    "Unable to read the saved query record"};
   std::size_t count = 0;
   const Row* rows = Rows(count);
-  try {
-    for (std::size_t i = 0; i < count; ++i) ReadRow(rows[i], *this, PropBag);
-  } catch (const Error& trapped) {
-    Raise(trapped.Number(), "[QSOM_DM.Class_ReadProperties]",
-          TrappedDescription("Unable to read the saved query record", "Reason: ", trapped));
-  }
+  PersistRows(rows, count, *this, PropBag, false, &kTrap);
 }
-
-namespace {
-
-// Lets a property bag read the record back as a new instance.
-const bool kRegistered = [] {
-  RegisterPersistableClass("clsQSOM_DM", [] { return clsQSOM_DM::Create(); });
-  return true;
-}();
-
-}  // namespace
 
 }  // namespace brix

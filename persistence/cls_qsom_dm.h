@@ -103,7 +103,7 @@ class clsQSOM_DM : public Persistable {
   void SetRpxDesign(std::string value) { rpx_design_ = std::move(value); }
 
  private:
-  clsQSOM_DM() = default;
+  clsQSOM_DM();
   struct Row;
   static const Row* Rows(std::size_t& count);
 

@@ -53,28 +53,20 @@ const clsUser::Row* clsUser::Rows(std::size_t& count) {
   return rows.data();
 }
 
+clsUser::clsUser() { RegisterRecordClasses(); }
+
 std::shared_ptr<clsUser> clsUser::Create() { return std::shared_ptr<clsUser>(new clsUser()); }
 
 void clsUser::WriteProperties(PropertyBag& PropBag) {
   std::size_t count = 0;
   const Row* rows = Rows(count);
-  for (std::size_t i = 0; i < count; ++i) WriteRow(rows[i], *this, PropBag);
+  PersistRows(rows, count, *this, PropBag, true);
 }
 
 void clsUser::ReadProperties(PropertyBag& PropBag) {
   std::size_t count = 0;
   const Row* rows = Rows(count);
-  for (std::size_t i = 0; i < count; ++i) ReadRow(rows[i], *this, PropBag);
+  PersistRows(rows, count, *this, PropBag, false);
 }
-
-namespace {
-
-// Lets a property bag read the record back as a new instance.
-const bool kRegistered = [] {
-  RegisterPersistableClass("clsUser", [] { return clsUser::Create(); });
-  return true;
-}();
-
-}  // namespace
 
 }  // namespace brix

@@ -97,7 +97,7 @@ class clsUser : public Persistable {
   void SetDMAccessRights(std::string value) { dm_access_rights_ = std::move(value); }
 
  private:
-  clsUser() = default;
+  clsUser();
   struct Row;
   static const Row* Rows(std::size_t& count);
 

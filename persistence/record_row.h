@@ -1,13 +1,15 @@
 // One persisted property of a record: its key and the member that holds it, with the writing and
-// the reading (text, 32-bit integer or Boolean, converted as the platform converts) shared by
-// the records.
+// the reading (text, 32-bit integer or Boolean, converted as the platform converts) and the
+// walk over a record's rows, shared by the records.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <variant>
 
 #include "runtime/conversions.h"
+#include "runtime/error.h"
 #include "runtime/property_bag.h"
 
 namespace brix {
@@ -41,5 +43,36 @@ void ReadRow(const RecordRow<Record>& row, Record& record, PropertyBag& bag) {
       },
       row.member);
 }
+
+/// How a record reports a failure part-way through its rows: raised again from `source` with
+/// `text` and the trapped reason. Without one, a failure reaches the caller unchanged.
+struct RecordTrap {
+  const char* source;
+  const char* text;
+};
+
+/// Writes (`writing`) or reads every row of `rows` in order, the one body of every record's
+/// persistence.
+template <class Record, class Row>
+void PersistRows(const Row* rows, std::size_t count, Record& record, PropertyBag& bag, bool writing,
+                 const RecordTrap* trap = nullptr) {
+  try {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (writing) {
+        WriteRow<Record>(rows[i], record, bag);
+      } else {
+        ReadRow<Record>(rows[i], record, bag);
+      }
+    }
+  } catch (const Error& trapped) {
+    if (!trap) throw;
+    Raise(trapped.Number(), trap->source, TrappedDescription(trap->text, "Reason: ", trapped));
+  }
+}
+
+/// Lets a property bag read the records (`clsUser`, `clsQSOM_DM`) back as new instances. Each
+/// class is registered once, at the first call; the records and the envelope that carries them
+/// call this, so that linking any of them makes the records readable.
+void RegisterRecordClasses();
 
 }  // namespace brix

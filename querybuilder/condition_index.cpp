@@ -1,4 +1,5 @@
-// Counting index of conditions by clause and canonical operands.
+// The duplicate-condition index: the distinct keys of clause and canonical operands, each with
+// the number of held conditions that bear it.
 #include "querybuilder/condition_index.h"
 
 #include <algorithm>
@@ -10,13 +11,6 @@
 #include "runtime/text.h"
 
 namespace brix {
-
-namespace {
-const char kRemovedMark = 0;
-}  // namespace
-
-const xqb_Condition* const ConditionIndex::kRemoved =
-    reinterpret_cast<const xqb_Condition*>(&kRemovedMark);
 
 std::size_t ConditionIndex::Hash(const KeyView& key) {
   auto operand_hash = [](const OperandView& operand) {
@@ -62,112 +56,59 @@ std::optional<ConditionIndex::OperandView> ConditionIndex::Canonical(const Varia
   }
 }
 
-ConditionIndex::Entry ConditionIndex::EntryOf(const xqb_Condition& condition, KeyOf& key) {
+ConditionIndex::Place ConditionIndex::PlaceOf(const xqb_Condition& condition, KeyOf& key) {
   std::optional<OperandView> value = Canonical(condition.Value(), key.value_text);
   std::optional<OperandView> secondary = Canonical(condition.SecondaryValue(), key.secondary_text);
-  if (!value || !secondary) return Entry::kIrregular;
-  if (value->kind == Kind::kNull || secondary->kind == Kind::kNull) return Entry::kNever;
-  if (value->kind == Kind::kRounded || secondary->kind == Kind::kRounded) return Entry::kRounded;
+  if (!value || !secondary) return Place::kIrregular;
+  if (value->kind == Kind::kNull || secondary->kind == Kind::kNull) return Place::kNever;
+  if (value->kind == Kind::kRounded || secondary->kind == Kind::kRounded) return Place::kRounded;
   key.key = KeyView{condition.Clause(), *value, *secondary};
-  return Entry::kKeyed;
+  return Place::kKeyed;
 }
 
 void ConditionIndex::Insert(const xqb_Condition& condition) {
   KeyOf key;
-  switch (EntryOf(condition, key)) {
-    case Entry::kKeyed: {
-      if ((used_ + 1) * 2 > slots_.size()) Grow();
-      const std::size_t mask = slots_.size() - 1;
-      const std::size_t hash = Hash(key.key);
-      std::size_t at = hash & mask;
-      while (slots_[at].condition && slots_[at].condition != kRemoved) at = (at + 1) & mask;
-      if (!slots_[at].condition) ++used_;
-      slots_[at] = Slot{hash, &condition};
+  switch (PlaceOf(condition, key)) {
+    case Place::kKeyed:
+      keys_.Add(Hash(key.key), key.key);
       break;
-    }
-    case Entry::kRounded:
+    case Place::kRounded:
       rounded_.push_back(&condition);
       break;
-    case Entry::kIrregular:
+    case Place::kIrregular:
       ++irregular_;
       break;
-    case Entry::kNever:
+    case Place::kNever:
       break;
   }
 }
 
 void ConditionIndex::Erase(const xqb_Condition& condition) {
   KeyOf key;
-  switch (EntryOf(condition, key)) {
-    case Entry::kKeyed: {
-      const std::size_t mask = slots_.size() - 1;
-      for (std::size_t at = Hash(key.key) & mask; slots_[at].condition; at = (at + 1) & mask) {
-        if (slots_[at].condition == &condition) {
-          slots_[at].condition = kRemoved;
-          break;
-        }
-      }
+  switch (PlaceOf(condition, key)) {
+    case Place::kKeyed:
+      keys_.Remove(Hash(key.key), key.key);
+      break;
+    case Place::kRounded: {
+      auto it = std::find(rounded_.begin(), rounded_.end(), &condition);
+      if (it != rounded_.end()) rounded_.erase(it);  // one holding leaves, not every one
       break;
     }
-    case Entry::kRounded:
-      std::erase(rounded_, &condition);
-      break;
-    case Entry::kIrregular:
+    case Place::kIrregular:
       --irregular_;
       break;
-    case Entry::kNever:
+    case Place::kNever:
       break;
   }
 }
 
 void ConditionIndex::Clear() {
-  std::fill(slots_.begin(), slots_.end(), Slot{});
-  used_ = 0;
+  keys_.Clear();
   rounded_.clear();
   irregular_ = 0;
 }
 
-void ConditionIndex::Reserve(std::size_t count) {
-  std::size_t slot_count = 16;
-  while (slot_count < count * 2) slot_count *= 2;
-  if (slot_count > slots_.size()) Resize(slot_count);
-}
-
-// Doubles the table for the conditions it holds.
-void ConditionIndex::Grow() {
-  std::size_t held = 0;
-  for (const Slot& slot : slots_) held += slot.condition && slot.condition != kRemoved;
-  std::size_t slot_count = 16;
-  while (slot_count < held * 4) slot_count *= 2;
-  Resize(slot_count);
-}
-
-// Moves the held conditions into a table of `slot_count` slots; removed slots are dropped.
-void ConditionIndex::Resize(std::size_t slot_count) {
-  std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slot_count));
-  const std::size_t mask = slots_.size() - 1;
-  used_ = 0;
-  for (const Slot& slot : old) {
-    if (!slot.condition || slot.condition == kRemoved) continue;
-    std::size_t at = slot.hash & mask;
-    while (slots_[at].condition) at = (at + 1) & mask;
-    slots_[at] = slot;
-    ++used_;
-  }
-}
-
-bool ConditionIndex::Contains(const KeyView& key) const {
-  if (slots_.empty()) return false;
-  const std::size_t mask = slots_.size() - 1;
-  const std::size_t hash = Hash(key);
-  for (std::size_t at = hash & mask; slots_[at].condition; at = (at + 1) & mask) {
-    const Slot& slot = slots_[at];
-    if (slot.hash != hash || slot.condition == kRemoved) continue;
-    KeyOf held;
-    if (EntryOf(*slot.condition, held) == Entry::kKeyed && held.key == key) return true;
-  }
-  return false;
-}
+void ConditionIndex::Reserve(std::size_t count) { keys_.Reserve(count); }
 
 std::optional<bool> ConditionIndex::HasMatch(qbe_ClauseOperator clause,
                                              const Variant& value) const {

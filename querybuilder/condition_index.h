@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "querybuilder/counted_keys.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_definitions.h"
 #include "runtime/variant.h"
@@ -22,9 +23,9 @@ namespace brix {
 /// comparison can raise (objects, arrays, error values) make the index step aside, so that the
 /// exact scan raises in position order; a field holding one fails at its next addition.
 ///
-/// The index holds the conditions themselves (an open-addressing table of condition and key hash)
-/// and reads their operands when it compares, so it must be rebuilt once a held condition changed
-/// a key value, before any lookup or removal; `Clear` reads nothing.
+/// Equal keys are legal and may be many, so the table holds one entry per distinct key (a copy of
+/// it) with the number of conditions that bear it. `Erase` takes a condition out under the key it
+/// bears at the time: a condition leaves before a key value changes and comes back after.
 class ConditionIndex {
  public:
   void Insert(const xqb_Condition& condition);
@@ -39,8 +40,8 @@ class ConditionIndex {
   std::optional<bool> HasMatch(qbe_ClauseOperator clause, const Variant& value) const;
 
  private:
-  enum class Kind { kEmpty, kText, kNumber, kNull, kRounded };
-  enum class Entry { kKeyed, kNever, kRounded, kIrregular };
+  enum class Kind : std::uint8_t { kEmpty, kText, kNumber, kNull, kRounded };
+  enum class Place { kKeyed, kNever, kRounded, kIrregular };
   struct OperandView {
     Kind kind = Kind::kEmpty;
     double number = 0;
@@ -59,23 +60,38 @@ class ConditionIndex {
     std::string value_text;
     std::string secondary_text;
   };
-  struct Slot {
-    std::size_t hash = 0;
-    const xqb_Condition* condition = nullptr;  // nullptr: empty; kRemoved: a removed one
+  /// A key's own copy, as the table keeps it.
+  struct HeldKey {
+    explicit HeldKey(const KeyView& key)
+        : clause(key.clause),
+          value_kind(key.value.kind),
+          secondary_kind(key.secondary.kind),
+          value_number(key.value.number),
+          secondary_number(key.secondary.number),
+          value_text(key.value.text),
+          secondary_text(key.secondary.text) {}
+    bool operator==(const KeyView& key) const {
+      return key == KeyView{clause,
+                            {value_kind, value_number, value_text},
+                            {secondary_kind, secondary_number, secondary_text}};
+    }
+    std::int32_t clause;
+    Kind value_kind;
+    Kind secondary_kind;
+    double value_number;
+    double secondary_number;
+    std::string value_text;
+    std::string secondary_text;
   };
-  static const xqb_Condition* const kRemoved;
 
   /// The canonical form of `value`, its text in `storage` when it has to be converted.
   static std::optional<OperandView> Canonical(const Variant& value, std::string& storage);
-  static Entry EntryOf(const xqb_Condition& condition, KeyOf& key);
+  static Place PlaceOf(const xqb_Condition& condition, KeyOf& key);
   static std::size_t Hash(const KeyView& key);
 
-  bool Contains(const KeyView& key) const;
-  void Grow();
-  void Resize(std::size_t slot_count);
+  bool Contains(const KeyView& key) const { return keys_.Contains(Hash(key), key); }
 
-  std::vector<Slot> slots_;  // a power of two in size, at most half used
-  std::size_t used_ = 0;     // slots that are not empty, removed ones included
+  CountedKeys<HeldKey, KeyView> keys_;
   std::vector<const xqb_Condition*> rounded_;
   std::int32_t irregular_ = 0;
 };

@@ -1,7 +1,7 @@
-// The process-wide index revision and the search counter limit of the model's collections.
+// The holder links of indexed objects and the search counter limit of the model's collections.
 #include "querybuilder/indexed_collection.h"
 
-#include <atomic>
+#include <algorithm>
 
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -9,21 +9,33 @@
 namespace brix {
 namespace {
 
-// One revision for every thread: an object changed on one thread and then used on another (the
-// threads synchronised by the host, as objects are used by one thread at a time) must not leave
-// the second thread's collections answering from the old key.
-std::atomic<std::uint64_t> index_revision{0};
-
 constexpr std::int32_t kLastCounterPosition = 32767;
 
 }  // namespace
 
-std::uint64_t IndexedItem::IndexRevision() {
-  return index_revision.load(std::memory_order_relaxed);
+void IndexedItem::AddHolder(ItemHolder* holder) {
+  if (!holder_) {
+    holder_ = holder;
+    return;
+  }
+  if (!more_holders_) more_holders_ = std::make_unique<std::vector<ItemHolder*>>();
+  more_holders_->push_back(holder);
 }
 
-void IndexedItem::KeyChanged() const {
-  if (holders_ > 0) index_revision.fetch_add(1, std::memory_order_relaxed);
+void IndexedItem::RemoveHolder(ItemHolder* holder) noexcept {
+  if (more_holders_) {
+    auto it = std::find(more_holders_->begin(), more_holders_->end(), holder);
+    if (it != more_holders_->end()) {
+      more_holders_->erase(it);
+      return;
+    }
+  }
+  if (holder_ != holder) return;
+  holder_ = nullptr;
+  if (more_holders_ && !more_holders_->empty()) {
+    holder_ = more_holders_->back();
+    more_holders_->pop_back();
+  }
 }
 
 void CheckSearchCounter(std::int32_t count) {

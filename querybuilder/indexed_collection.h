@@ -1,95 +1,151 @@
-// A keyed collection of shared model objects that keeps a lookup index over their key values,
-// so that the duplicate and existence tests stay O(1) while the objects remain mutable.
+// The store behind the model's collections: a keyed collection of shared objects with a lookup
+// index over their key values, told by the objects themselves when a key value changes, so that
+// the duplicate and existence tests stay O(1) while the objects remain mutable. Included by the
+// files that instantiate a collection.
 #pragma once
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string_view>
 
+#include "querybuilder/model_collection.h"
 #include "runtime/keyed_collection.h"
-#include "runtime/object.h"
-#include "runtime/variant.h"
 
 namespace brix {
-
-template <class T, class Index>
-class IndexedCollection;
-
-/// A model object that collections index by some of its values. Every setter of such a value
-/// calls `KeyChanged()`; while the object is held by a collection that moves the process-wide
-/// index revision, and every collection rebuilds its index before its next lookup. An object
-/// filled in before it is added moves nothing.
-class IndexedItem : public virtual Object {
- public:
-  /// The current index revision (shared by all threads).
-  static std::uint64_t IndexRevision();
-
- protected:
-  void KeyChanged() const;
-
- private:
-  template <class T, class Index>
-  friend class IndexedCollection;
-
-  mutable std::int32_t holders_ = 0;
-};
 
 /// Call when an existence or duplicate search over `count` positions found nothing. Those
 /// searches count positions in a 16-bit counter, which overflows (error 6) when it steps past
 /// position 32767; so a collection never grows beyond 32767 objects.
 void CheckSearchCounter(std::int32_t count);
 
-/// Base of the model's collections: a `KeyedCollection` of `std::shared_ptr<T>` with the
-/// collection's own errors (9 bad position, 5 unknown key, 457 used key), plus an `Index` over the
-/// held objects. `Index` offers `Insert(const T&)`, `Erase(const T&)` and `Clear()`; it follows
-/// every add and remove while fresh and is rebuilt when a held object changed a key value.
+/// A `KeyedCollection` of `std::shared_ptr<T>` plus an `Index` over the held objects. `Index`
+/// offers `Insert(const T&)`, `Erase(const T&)`, `Reserve` and `Clear()`; it follows every add,
+/// remove and key change of a held object. Should the index run out of memory while following,
+/// it is rebuilt before its next use.
 template <class T, class Index>
-class IndexedCollection : public Object {
+class IndexedStore final : private ItemHolder {
  public:
-  using const_iterator = typename KeyedCollection<std::shared_ptr<T>>::const_iterator;
+  IndexedStore() = default;
+  IndexedStore(const IndexedStore&) = delete;
+  IndexedStore& operator=(const IndexedStore&) = delete;
+  ~IndexedStore() { ReleaseAll(); }
 
-  IndexedCollection(const IndexedCollection&) = delete;
-  IndexedCollection& operator=(const IndexedCollection&) = delete;
-  ~IndexedCollection() override;
+  const KeyedCollection<std::shared_ptr<T>>& Items() const { return items_; }
 
-  /// The held objects in position order.
-  const_iterator begin() const { return items_.begin(); }
-  const_iterator end() const { return items_.end(); }
+  /// Adds the object itself; a used key raises 457 and leaves the store unchanged.
+  void AddItem(std::shared_ptr<T> item, std::optional<std::string_view> key) {
+    T& added = *item;
+    added.AddHolder(this);
+    try {
+      items_.Add(std::move(item), key);
+    } catch (...) {
+      added.RemoveHolder(this);
+      throw;
+    }
+    Reindex(added);
+  }
 
-  std::int32_t Count() const { return items_.Count(); }
+  void Remove(const Variant& index_key) {
+    std::shared_ptr<T> removed = items_.Item(index_key);
+    items_.Remove(index_key);
+    removed->RemoveHolder(this);
+    Unindex(*removed);
+  }
 
-  /// By 1-based position (a number) or by key (a string, letter case ignored).
-  std::shared_ptr<T> Item(const Variant& index_key) const { return items_.Item(index_key); }
+  void Reserve(std::size_t count) {
+    items_.Reserve(count);
+    index_.Reserve(count);
+  }
 
-  /// Removes by position or key, with the errors of `Item`.
-  void Remove(const Variant& index_key);
-
-  /// Makes room for `count` objects in all: a hint for a caller about to add them.
-  void Reserve(std::int32_t count);
-
-  /// Releases every object; the collection starts again empty.
-  void Clear();
-
- protected:
-  IndexedCollection();
-
-  /// Adds the object itself; a used key raises 457 and leaves the collection unchanged.
-  void AddItem(std::shared_ptr<T> item, std::optional<std::string_view> key);
+  void Clear() {
+    ReleaseAll();
+    items_.Clear();
+    index_.Clear();
+    stale_ = false;
+  }
 
   /// Whether an object is held under `key` (letter case ignored).
   bool HasKey(std::string_view key) const { return items_.FindKey(key) != nullptr; }
 
   /// The index over the current key values of the held objects.
-  const Index& CurrentIndex();
+  const Index& CurrentIndex() {
+    if (stale_) {
+      index_.Clear();
+      for (const auto& item : items_) index_.Insert(*item);
+      stale_ = false;
+    }
+    return index_;
+  }
 
  private:
-  bool IsFresh() const { return seen_revision_ == IndexedItem::IndexRevision(); }
-  void ReleaseAll();
+  void Unindex(const IndexedItem& item) noexcept override {
+    if (stale_) return;
+    try {
+      index_.Erase(static_cast<const T&>(item));
+    } catch (const std::bad_alloc&) {
+      stale_ = true;
+    }
+  }
+
+  void Reindex(const IndexedItem& item) noexcept override {
+    if (stale_) return;
+    try {
+      index_.Insert(static_cast<const T&>(item));
+    } catch (const std::bad_alloc&) {
+      stale_ = true;
+    }
+  }
+
+  void ReleaseAll() noexcept {
+    for (const auto& item : items_) item->RemoveHolder(this);
+  }
 
   KeyedCollection<std::shared_ptr<T>> items_;
-  std::unique_ptr<Index> index_;  // private to the library: its type is only declared here
-  std::uint64_t seen_revision_ = IndexedItem::IndexRevision();
+  Index index_;
+  bool stale_ = false;  // the index missed a change and is rebuilt before its next use
 };
+
+template <class T, class Index>
+ModelCollection<T, Index>::ModelCollection() : store_(std::make_unique<IndexedStore<T, Index>>()) {}
+
+template <class T, class Index>
+ModelCollection<T, Index>::~ModelCollection() = default;
+
+template <class T, class Index>
+typename ModelCollection<T, Index>::const_iterator ModelCollection<T, Index>::begin() const {
+  return store_->Items().begin();
+}
+
+template <class T, class Index>
+typename ModelCollection<T, Index>::const_iterator ModelCollection<T, Index>::end() const {
+  return store_->Items().end();
+}
+
+template <class T, class Index>
+std::int32_t ModelCollection<T, Index>::Count() const {
+  return store_->Items().Count();
+}
+
+template <class T, class Index>
+std::shared_ptr<T> ModelCollection<T, Index>::Item(const Variant& index_key) const {
+  return store_->Items().Item(index_key);
+}
+
+template <class T, class Index>
+void ModelCollection<T, Index>::Remove(const Variant& index_key) {
+  store_->Remove(index_key);
+}
+
+template <class T, class Index>
+void ModelCollection<T, Index>::Reserve(std::int32_t count) {
+  if (count > 0) store_->Reserve(static_cast<std::size_t>(count));
+}
+
+template <class T, class Index>
+void ModelCollection<T, Index>::Clear() {
+  store_->Clear();
+}
 
 }  // namespace brix

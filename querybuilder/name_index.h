@@ -1,10 +1,11 @@
 // The existence index of tables and fields: how many held objects bear each exact DBName.
 #pragma once
 
-#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+
+#include "querybuilder/counted_keys.h"
 
 namespace brix {
 
@@ -12,17 +13,19 @@ namespace brix {
 template <class T>
 class NameIndex {
  public:
-  void Insert(const T& item) { ++counts_[item.DBName()]; }
-  void Erase(const T& item) {
-    auto it = counts_.find(item.DBName());
-    if (it != counts_.end() && --it->second == 0) counts_.erase(it);
-  }
-  void Clear() { counts_.clear(); }
-  void Reserve(std::size_t count) { counts_.reserve(count); }
-  bool Contains(std::string_view name) const { return counts_.contains(std::string(name)); }
+  void Insert(const T& item) { names_.Add(Hash(item.DBName()), item.DBName()); }
+  void Erase(const T& item) { names_.Remove(Hash(item.DBName()), item.DBName()); }
+  void Clear() { names_.Clear(); }
+  void Reserve(std::size_t count) { names_.Reserve(count); }
+  bool Contains(std::string_view name) const { return names_.Contains(Hash(name), name); }
 
  private:
-  std::unordered_map<std::string, std::int32_t> counts_;
+  static std::size_t Hash(std::string_view name) {
+    const std::size_t h = std::hash<std::string_view>()(name);
+    return h ^ (h >> 29);  // the table takes the low bits
+  }
+
+  CountedKeys<std::string, std::string_view> names_;
 };
 
 }  // namespace brix

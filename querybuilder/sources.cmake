@@ -1,18 +1,16 @@
 # Sources and public headers of querybuilder/.
 set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/clause_catalogue.h
-  querybuilder/db_name.h
-  querybuilder/indexed_collection.h
   querybuilder/load_limits.h
-  querybuilder/named_collection.h
+  querybuilder/model_collection.h
   querybuilder/parameterized_statement.h
+  querybuilder/query_validator.h
   querybuilder/tree_walk.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
   querybuilder/xqb_definitions.h
   querybuilder/xqb_field.h
   querybuilder/xqb_fields.h
-  querybuilder/xqb_module.h
   querybuilder/xqb_query.h
   querybuilder/xqb_table.h
   querybuilder/xqb_tables.h
@@ -23,22 +21,24 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/condition_describer.h
   querybuilder/condition_index.cpp
   querybuilder/condition_index.h
+  querybuilder/counted_keys.h
   querybuilder/db_name.cpp
+  querybuilder/db_name.h
   querybuilder/definition_rows.cpp
   querybuilder/definition_rows.h
   querybuilder/full_text_renderer.cpp
   querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.cpp
-  querybuilder/indexed_collection_impl.h
-  querybuilder/load_budget.cpp
-  querybuilder/load_budget.h
+  querybuilder/indexed_collection.h
   querybuilder/name_index.h
+  querybuilder/named_collection.h
   querybuilder/operand_dates.cpp
   querybuilder/operand_dates.h
   querybuilder/parameter_expander.cpp
   querybuilder/parameterized_where.cpp
   querybuilder/parameterized_where.h
   querybuilder/query_definition_document.cpp
+  querybuilder/query_validator.cpp
   querybuilder/parameter_expander.h
   querybuilder/regular_definition_reader.cpp
   querybuilder/sql_dialect.cpp
@@ -57,6 +57,7 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/xqb_field.cpp
   querybuilder/xqb_fields.cpp
   querybuilder/xqb_module.cpp
+  querybuilder/xqb_module.h
   querybuilder/xqb_query.cpp
   querybuilder/xqb_table.cpp
   querybuilder/xqb_tables.cpp

@@ -1,6 +1,8 @@
 // Condition: stored values and their derived texts.
 #include "querybuilder/xqb_condition.h"
 
+#include <utility>
+
 #include "querybuilder/clause_catalogue.h"
 
 namespace brix {
@@ -11,18 +13,17 @@ std::shared_ptr<xqb_Condition> xqb_Condition::Create() {
 }
 
 void xqb_Condition::SetClause(qbe_ClauseOperator value) {
-  clause_ = value;
-  KeyChanged();
+  ChangeKey([&]() noexcept { clause_ = value; });
 }
 
 void xqb_Condition::SetValue(const Variant& value) {
-  value_ = value;
-  KeyChanged();
+  Variant copy = value;
+  ChangeKey([&]() noexcept { value_ = std::move(copy); });
 }
 
 void xqb_Condition::SetSecondaryValue(const Variant& value) {
-  secondary_value_ = value;
-  KeyChanged();
+  Variant copy = value;
+  ChangeKey([&]() noexcept { secondary_value_ = std::move(copy); });
 }
 
 std::string xqb_Condition::ClauseDescription() const { return brix::ClauseDescription(clause_); }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "persistence/ixml_prop_bag.h"
-#include "querybuilder/indexed_collection.h"
+#include "querybuilder/model_collection.h"
 #include "querybuilder/xqb_definitions.h"
 #include "runtime/variant.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "querybuilder/condition_index.h"
-#include "querybuilder/indexed_collection_impl.h"
+#include "querybuilder/indexed_collection.h"
 #include "querybuilder/xqb_module.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -32,7 +32,7 @@ void xqb_Conditions::AddObjectCondition(std::shared_ptr<xqb_Condition> condition
     RaiseDuplicateCondition();
   }
   std::string key = std::to_string(condition->ConditionID());
-  AddItem(std::move(condition), key);
+  Store().AddItem(std::move(condition), key);
 }
 
 std::shared_ptr<xqb_Condition> xqb_Conditions::Add(qbe_ClauseOperator clause, const Variant& value,
@@ -43,13 +43,13 @@ std::shared_ptr<xqb_Condition> xqb_Conditions::Add(qbe_ClauseOperator clause, co
   condition->SetClause(clause);
   condition->SetValue(value);
   condition->SetSecondaryValue(secondary_value);
-  AddItem(condition, std::to_string(condition->ConditionID()));
+  Store().AddItem(condition, std::to_string(condition->ConditionID()));
   return condition;
 }
 
 bool xqb_Conditions::ConditionExists(qbe_ClauseOperator clause, const Variant& value,
                                      const Variant& /*secondary_value*/) {
-  std::optional<bool> known = CurrentIndex().HasMatch(clause, value);
+  std::optional<bool> known = Store().CurrentIndex().HasMatch(clause, value);
   bool found = known ? *known : ScanForDuplicate(clause, value);
   if (!found) CheckSearchCounter(Count());
   return found;
@@ -69,6 +69,6 @@ bool xqb_Conditions::ScanForDuplicate(qbe_ClauseOperator clause, const Variant& 
   return false;
 }
 
-template class IndexedCollection<xqb_Condition, ConditionIndex>;
+template class ModelCollection<xqb_Condition, ConditionIndex>;
 
 }  // namespace brix

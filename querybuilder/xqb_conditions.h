@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "querybuilder/indexed_collection.h"
+#include "querybuilder/model_collection.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_definitions.h"
 #include "runtime/variant.h"
@@ -15,7 +15,7 @@ class ConditionIndex;
 
 /// A field's conditions in insertion order, keyed by the decimal text of each `ConditionID`.
 /// `Item` takes a position or the key text ("4711"); collection errors reach the caller unchanged.
-class xqb_Conditions : public IndexedCollection<xqb_Condition, ConditionIndex> {
+class xqb_Conditions : public ModelCollection<xqb_Condition, ConditionIndex> {
  public:
   static std::shared_ptr<xqb_Conditions> Create();
 

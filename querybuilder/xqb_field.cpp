@@ -22,8 +22,8 @@ std::shared_ptr<xqb_Field> xqb_Field::Create() {
 }
 
 void xqb_Field::SetDBName(std::string_view value) {
-  db_name_ = NormalizeDBName(value);
-  KeyChanged();
+  std::string normalized = NormalizeDBName(value);
+  ChangeKey([&]() noexcept { db_name_.swap(normalized); });
 }
 
 void xqb_Field::SetShowAsType(qbe_DataType value) {

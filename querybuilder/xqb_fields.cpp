@@ -3,20 +3,17 @@
 
 #include <optional>
 
-#include "querybuilder/indexed_collection_impl.h"
-#include "querybuilder/name_index.h"
+#include "querybuilder/named_collection.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
 
 namespace brix {
 namespace {
 
-constexpr std::string_view kFieldExistsText =
-    "A field with this name already exists in this table!";
+constexpr UsedNameError kFieldExists{kErrFieldExists,
+                                     "A field with this name already exists in this table!"};
 
 }  // namespace
-
-xqb_Fields::xqb_Fields() : NamedCollection(kErrFieldExists, kFieldExistsText) {}
 
 std::shared_ptr<xqb_Fields> xqb_Fields::Create() {
   struct Made : xqb_Fields {};  // one allocation for the object and its count
@@ -24,26 +21,29 @@ std::shared_ptr<xqb_Fields> xqb_Fields::Create() {
 }
 
 std::shared_ptr<xqb_Field> xqb_Fields::Add(std::string_view db_name) {
-  RefuseUsedName(db_name, "[Add Field]");
+  RefuseUsedName(Store(), db_name, kFieldExists, "[Add Field]");
   auto field = xqb_Field::Create();
   field->SetDBName(db_name);
   field->SetAlias(std::string(db_name));
   field->SetCaption(std::string(db_name));
-  AddItem(field, field->DBName());
+  Store().AddItem(field, field->DBName());
   return field;
 }
 
 void xqb_Fields::AddObjectField(std::shared_ptr<xqb_Field> field) {
-  AddNamed(std::move(field), "[AddObjectField]");
+  AddNamed(Store(), std::move(field), kFieldExists, "[AddObjectField]");
 }
 
-bool xqb_Fields::FieldExists(std::string_view field_name) { return NameExists(field_name); }
+bool xqb_Fields::FieldExists(std::string_view field_name) {
+  return NameExists(Store(), field_name);
+}
 
 void xqb_Fields::AddListed(std::shared_ptr<xqb_Field> field) {
   std::string key = field->DBName();
-  AddItem(std::move(field), HasKey(key) ? std::nullopt : std::optional<std::string_view>(key));
+  Store().AddItem(std::move(field),
+                  Store().HasKey(key) ? std::nullopt : std::optional<std::string_view>(key));
 }
 
-template class IndexedCollection<xqb_Field, NameIndex<xqb_Field>>;
+template class ModelCollection<xqb_Field, NameIndex<xqb_Field>>;
 
 }  // namespace brix

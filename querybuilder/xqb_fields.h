@@ -5,14 +5,17 @@
 #include <string>
 #include <string_view>
 
-#include "querybuilder/named_collection.h"
+#include "querybuilder/model_collection.h"
 #include "querybuilder/xqb_field.h"
 
 namespace brix {
 
+template <class T>
+class NameIndex;
+
 /// A table's fields in insertion order, keyed by each field's stored (normalised) `DBName`.
 /// Key lookup ignores letter case; the existence test does not.
-class xqb_Fields : public NamedCollection<xqb_Field> {
+class xqb_Fields : public ModelCollection<xqb_Field, NameIndex<xqb_Field>> {
  public:
   static std::shared_ptr<xqb_Fields> Create();
 
@@ -35,7 +38,7 @@ class xqb_Fields : public NamedCollection<xqb_Field> {
  private:
   friend class xqb_Query;  // builds field lists in which one name may occur twice
 
-  xqb_Fields();
+  xqb_Fields() = default;
 
   /// Adds `field` under its `DBName`, or without a key when that key is taken.
   void AddListed(std::shared_ptr<xqb_Field> field);

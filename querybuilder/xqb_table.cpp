@@ -15,8 +15,8 @@ std::shared_ptr<xqb_Table> xqb_Table::Create() {
 }
 
 void xqb_Table::SetDBName(std::string_view value) {
-  db_name_ = NormalizeDBName(value);
-  KeyChanged();
+  std::string normalized = NormalizeDBName(value);
+  ChangeKey([&]() noexcept { db_name_.swap(normalized); });
 }
 
 std::shared_ptr<xqb_Fields> xqb_Table::Fields() const {

@@ -5,14 +5,17 @@
 #include <string>
 #include <string_view>
 
-#include "querybuilder/named_collection.h"
+#include "querybuilder/model_collection.h"
 #include "querybuilder/xqb_table.h"
 
 namespace brix {
 
+template <class T>
+class NameIndex;
+
 /// A query's tables in insertion order, keyed by each table's stored (normalised) `DBName`.
 /// Key lookup ignores letter case; the existence test does not.
-class xqb_Tables : public NamedCollection<xqb_Table> {
+class xqb_Tables : public ModelCollection<xqb_Table, NameIndex<xqb_Table>> {
  public:
   static std::shared_ptr<xqb_Tables> Create();
 
@@ -33,7 +36,7 @@ class xqb_Tables : public NamedCollection<xqb_Table> {
   bool TableExists(std::string_view table_name);
 
  private:
-  xqb_Tables();
+  xqb_Tables() = default;
 };
 
 }  // namespace brix

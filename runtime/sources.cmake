@@ -5,11 +5,9 @@ set(BRIX_RUNTIME_HEADERS
   runtime/dates.h
   runtime/error.h
   runtime/error_numbers.h
-  runtime/key_positions.h
   runtime/keyed_collection.h
   runtime/object.h
   runtime/property_bag.h
-  runtime/text.h
   runtime/variant.h
 )
 set(BRIX_RUNTIME_SOURCES
@@ -20,10 +18,13 @@ set(BRIX_RUNTIME_SOURCES
   runtime/dates.cpp
   runtime/error.cpp
   runtime/key_positions.cpp
+  runtime/key_positions.h
+  runtime/keyed_collection.cpp
   runtime/object.cpp
   runtime/property_bag.cpp
   runtime/rounding.cpp
   runtime/rounding.h
   runtime/text.cpp
+  runtime/text.h
   runtime/variant.cpp
 )

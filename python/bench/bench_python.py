@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Times the library through the Python module against the same calls in C++, and writes the
-figures as the "From Python" section of docs/performance.md (replacing that section alone).
+figures as the "From Python" section of the performance report (replacing that section alone).
 
     bench_python.py REFERENCE_BENCH EXAMPLES_DIR PERFORMANCE_MD
 

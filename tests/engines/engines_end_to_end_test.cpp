@@ -63,6 +63,8 @@ class Engines : public ::testing::Test {
     sqlite3_close(db);
     postgres_ = ReadFile(BRIX_POSTGRES_INFO_FILE);
     while (!postgres_.empty() && postgres_.back() == '\n') postgres_.pop_back();
+    // Later keywords of a connection string win over earlier ones.
+    postgres_legacy_ = postgres_ + " dbname=brix_legacy";
   }
 
   void SetUp() override { ASSERT_EQ(setup_error_, ""); }
@@ -73,7 +75,11 @@ class Engines : public ::testing::Test {
     return {{"SQLite", SqlDialect::kSQLite,
              [](const ParameterizedStatement& s) { return brixq::RunOnSqlite(sqlite_path_, s); }},
             {"PostgreSQL", SqlDialect::kPostgreSQL,
-             [](const ParameterizedStatement& s) { return brixq::RunOnPostgres(postgres_, s); }}};
+             [](const ParameterizedStatement& s) { return brixq::RunOnPostgres(postgres_, s); }},
+            {"PostgreSQL, standard_conforming_strings off", SqlDialect::kPostgreSQL,
+             [](const ParameterizedStatement& s) {
+               return brixq::RunOnPostgres(postgres_legacy_, s);
+             }}};
   }
 
   // The first column of every row, joined by ",", or the error.
@@ -92,11 +98,13 @@ class Engines : public ::testing::Test {
 
   static std::string sqlite_path_;
   static std::string postgres_;
+  static std::string postgres_legacy_;
   static std::string setup_error_;
 };
 
 std::string Engines::sqlite_path_;
 std::string Engines::postgres_;
+std::string Engines::postgres_legacy_;
 std::string Engines::setup_error_;
 
 struct KindRow {
@@ -194,6 +202,23 @@ TEST_F(Engines, AwkwardOperandsAreValuesOnBoth) {
       test_support::AddCondition(*field, 2, qbe_ClauseContains, V(value));
       EXPECT_EQ(FirstColumn(engine, *query), "") << engine.name << ", " << value;
     }
+  }
+}
+
+// A field name that would turn a LIKE's escape literal into "... OR 1=1" where backslashes
+// escape quotes in string literals: the filter keeps its meaning on every engine.
+TEST_F(Engines, ALikeEscapeEndsWhereItIsWrittenOnEveryServerSetting) {
+  for (const Engine& engine : All()) {
+    test_support::FieldRow id{"ID", qbe_DataNumeric};
+    id.sort = qbe_SortAscending;
+    auto query = BuildQuery({{"Guests", {id}}});
+    auto& table = *query->Tables()->Item(V("Guests"));
+    test_support::AddCondition(*test_support::AddField(table, "Name"), 1, qbe_ClauseContains,
+                               V("Ana"));
+    auto hostile = test_support::AddField(table, "x'::char OR 1=1) --");
+    hostile->SetUseInStatement(false);
+    test_support::AddCondition(*hostile, 2, qbe_ClauseEqualTo, V("a"));
+    EXPECT_EQ(FirstColumn(engine, *query), "1") << engine.name;
   }
 }
 

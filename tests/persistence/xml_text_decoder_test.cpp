@@ -10,6 +10,7 @@
 
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/xqb_query.h"
+#include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
 
 namespace brix {

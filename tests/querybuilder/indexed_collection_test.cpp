@@ -1,5 +1,6 @@
 // The lookup indexes of the model's collections: after any sequence of adds, removals and key
-// changes, on any thread, the existence and duplicate tests answer what a plain scan answers.
+// changes, on any thread and in every collection that shares an object, the existence and
+// duplicate tests answer what a plain scan answers.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -141,6 +142,50 @@ TEST(IndexedCollection, ConditionExistsAgreesWithAScanAfterEveryChange) {
       }
     }
   }
+}
+
+// An object held by several collections (or twice by one, under two keys) is followed by each
+// holding; a collection that let it go, was cleared or ended is no longer told of its changes.
+TEST(IndexedCollection, SharedObjectsAreFollowedByEveryHolding) {
+  auto first = xqb_Fields::Create();
+  auto second = xqb_Fields::Create();
+  auto field = first->Add("A");
+  second->AddObjectField(field);
+  field->SetDBName("B");
+  {
+    auto ended = xqb_Fields::Create();
+    ended->AddObjectField(field);
+  }
+  for (const auto& fields : {first, second}) {
+    EXPECT_TRUE(fields->FieldExists("B"));
+    EXPECT_FALSE(fields->FieldExists("A"));
+  }
+  second->Remove(Variant(1));
+  first->Clear();
+  field->SetDBName("C");
+  EXPECT_FALSE(second->FieldExists("C"));
+  EXPECT_FALSE(first->FieldExists("C"));
+
+  // A Null operand never matches, so one condition can be added twice under two identities.
+  auto conditions = xqb_Conditions::Create();
+  auto others = xqb_Conditions::Create();
+  auto condition = conditions->Add(qbe_ClauseEqualTo, Variant::Null());
+  condition->SetConditionID(20000);
+  conditions->AddObjectCondition(condition);
+  others->AddObjectCondition(condition);
+  condition->SetValue(Variant(7));
+  condition->SetSecondaryValue(Variant(7));
+  for (const auto& held : {conditions, others}) {
+    EXPECT_TRUE(held->ConditionExists(qbe_ClauseEqualTo, Variant(7)));
+    EXPECT_FALSE(held->ConditionExists(qbe_ClauseEqualTo, Variant("")));
+  }
+  conditions->Remove(Variant("20000"));
+  others->Remove(Variant(1));
+  condition->SetClause(qbe_ClauseNotEqual);
+  EXPECT_TRUE(conditions->ConditionExists(qbe_ClauseNotEqual, Variant(7)));
+  EXPECT_FALSE(others->ConditionExists(qbe_ClauseNotEqual, Variant(7)));
+  conditions->Remove(Variant(1));
+  EXPECT_FALSE(conditions->ConditionExists(qbe_ClauseNotEqual, Variant(7)));
 }
 
 }  // namespace
