@@ -6,6 +6,7 @@ the peer's JSON (bench/peer), and the memory figures of brixq. Each figure is sh
 to the reference measured in that run.
 """
 import json
+import os
 import subprocess
 import sys
 from pathlib import Path
@@ -55,8 +56,11 @@ def size_table(title, rows, reference_label, target):
     return lines
 
 
-def flatness_table(times, title, series):
-    lines = [f"### {title}", "",
+WHERE_FLATNESS_NOTE = ("These WHERE figures are not those of the peer table above: there the filter of the peer's mix (String fields, equality, range, starts-with, contains, in-list and null tests, default arguments); here the filter the statement writes for the benchmark's mixed definition (String, Numeric and Date fields in turn, date ranges and relative kinds computed from `Today`, every tenth field linked to another table), with qualified names and the join equalities (`ReturnWHEREConditions(false, nullptr, true)`).")
+
+
+def flatness_table(times, title, series, note=""):
+    lines = [f"### {title}", ""] + ([note, ""] if note else []) + [
              "| per item | " + " | ".join(f"{s // 1000}k" for s in SIZES) + " | 100k / 1k |",
              "|---|" + "---|" * (len(SIZES) + 1)]
     for label, name in series:
@@ -94,15 +98,23 @@ def append_table(times):
     return [line.replace("per condition", "per append") for line in lines]
 
 
-def plot(times, out_png, data_file):
+def plot(times, out_png, data_file, peer_values):
+    """Our lines solid, the references they are measured against dashed beside them."""
     series = [("LoadXMLDef", "BM_LoadXMLDef"), ("SaveXMLDef", "BM_SaveXMLDef"),
-              ("ReturnWHEREConditions", "BM_ReturnWHEREConditions"), ("ReturnSQL", "BM_ReturnSQL")]
+              ("ReturnWHEREConditions", "BM_ReturnWHEREConditions"), ("ReturnSQL", "BM_ReturnSQL"),
+              ("raw pugixml parse", "BM_RawPugixmlParse"), ("raw pugixml print", "BM_RawPugixmlSave")]
+    references = {"raw pugixml parse", "raw pugixml print"}
     with open(data_file, "w") as out:
-        for size in SIZES:
+        for index, size in enumerate(SIZES):
             values = [per_condition_ns(times, name, size) for _, name in series]
+            values.append(peer_values[index])
             out.write(f"{size} " + " ".join("NaN" if v is None else f"{v:.3f}" for v in values) + "\n")
-    plots = ", ".join(f"'{data_file}' using 1:{i + 2} with linespoints lw 2 title '{label}'"
-                      for i, (label, _) in enumerate(series))
+    labels = [label for label, _ in series] + ["peer formatQuery (WHERE)"]
+    references.add("peer formatQuery (WHERE)")
+    plots = ", ".join(
+        f"'{data_file}' using 1:{i + 2} with linespoints lw 2 "
+        f"{'dt 2 ' if label in references else ''}title '{label}'"
+        for i, label in enumerate(labels))
     script = f"""set terminal pngcairo size 900,560 font 'DejaVu Sans,11'
 set output '{out_png}'
 set title 'Cost per condition against definition size (median of repetitions)'
@@ -132,8 +144,10 @@ def main():
              "Written by `scripts/bench` from one run: every figure below was measured in that run, and "
              "each ratio is to a reference measured beside it. Medians of the repetitions, CPU time.",
              "",
-             f"Machine: {context.get('num_cpus')} CPUs at {context.get('mhz_per_cpu')} MHz, "
-             f"Release build, date {context.get('date')}.", ""]
+             f"Machine: {context.get('num_cpus')} CPUs at {context.get('mhz_per_cpu')} MHz "
+             f"({os.environ.get('BENCH_CPU', 'CPU not given')}), Release build with "
+             f"{os.environ.get('BENCH_COMPILER', 'an unnamed compiler')}, date {context.get('date')}.",
+             ""]
     lines += size_table("Loading (`LoadXMLDef`)",
                         [("`LoadXMLDef`", series("BM_LoadXMLDef")),
                          ("raw pugixml parse of the same text", series("BM_RawPugixmlParse"))],
@@ -155,7 +169,8 @@ def main():
               "", "Target: WHERE at least 30x faster per condition than the peer at every size.", ""]
     lines += flatness_table(times, "WHERE and SELECT across sizes",
                             [("`ReturnWHEREConditions`", "BM_ReturnWHEREConditions"),
-                             ("`ReturnSQL`", "BM_ReturnSQL")])
+                             ("`ReturnSQL`", "BM_ReturnSQL")],
+                            WHERE_FLATNESS_NOTE)
     lines += flatness_table(times, "Collection indexes under edits",
                             [("a rename between lookups", "BM_RenameBetweenLookups"),
                              ("a value set after each addition", "BM_AddThenSetValue"),
@@ -170,7 +185,7 @@ def main():
               "", "Target: under 6x the document's size.", "",
               "### Cost per condition against size", "", "![cost per condition](performance.png)", ""]
     Path(out_md).write_text("\n".join(lines))
-    plot(times, out_png, data_file)
+    plot(times, out_png, data_file, peer_values)
 
 
 if __name__ == "__main__":

@@ -3,6 +3,9 @@
 # share/brixobjects4/, the sample definitions, the sample database and the consumer example.
 include(CMakePackageConfigHelpers)
 
+# installed_headers.txt lists the installed headers as hosts include them, one a line; the install
+# test compiles them all in one file.
+set(installed_headers "")
 foreach(header ${BRIX_PUBLIC_HEADERS})
   if(IS_ABSOLUTE "${header}")
     file(RELATIVE_PATH rel "${CMAKE_CURRENT_BINARY_DIR}/generated" "${header}")
@@ -11,7 +14,9 @@ foreach(header ${BRIX_PUBLIC_HEADERS})
   endif()
   get_filename_component(dir "${rel}" DIRECTORY)
   install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/brixobjects4/${dir}")
+  string(APPEND installed_headers "${rel}\n")
 endforeach()
+file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/installed_headers.txt "${installed_headers}")
 
 install(TARGETS brixobjects4 brixobjects4_static EXPORT brixobjects4Targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}

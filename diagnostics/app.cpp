@@ -4,20 +4,12 @@
 #include <syslog.h>
 
 #include <filesystem>
-#include <mutex>
 #include <system_error>
+
+#include "diagnostics/syslog_identifier.h"
 
 namespace brix {
 namespace {
-
-// openlog keeps the identifier's pointer, so it lives here for the whole process.
-void OpenSystemLog(const std::string& ident) {
-  static std::mutex mutex;
-  static std::string current;
-  std::lock_guard lock(mutex);
-  current = ident;
-  openlog(current.c_str(), LOG_PID, LOG_USER);
-}
 
 int SyslogPriority(std::int32_t event_type) {
   switch (event_type) {
@@ -47,7 +39,7 @@ std::shared_ptr<App> App::Create() { return std::shared_ptr<App>(new App()); }
 
 void App::StartLogging(std::string_view, std::int32_t log_mode) {
   log_mode_ = log_mode;
-  if (log_mode_ != vbLogOff) OpenSystemLog(title_);
+  if (log_mode_ != vbLogOff) openlog(SyslogIdentifier(title_), LOG_PID, LOG_USER);
 }
 
 void App::LogEvent(std::string_view log_buffer, std::int32_t event_type) {

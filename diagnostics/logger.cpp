@@ -1,15 +1,13 @@
 // The logger: builds or extends the error trace, re-raises it, and reports it.
 #include "diagnostics/logger.h"
 
-#include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 
 #include "diagnostics/app.h"
 #include "diagnostics/error_trace.h"
 #include "diagnostics/host_identity.h"
+#include "diagnostics/log_file.h"
 #include "runtime/clock.h"
 #include "runtime/dates.h"
 #include "runtime/error_numbers.h"
@@ -78,17 +76,6 @@ std::int32_t EventLogType(const std::string& severity_text) {
 std::string VersionText(const App& app) {
   return "Version " + std::to_string(app.Major()) + "." + std::to_string(app.Minor()) + "." +
          std::to_string(app.Revision());
-}
-
-// Makes a file whose owner may not write to it writable again, as a log file must stay
-// appendable; a file the process does not own stays as it is.
-void ClearReadOnly(const std::filesystem::path& path) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  const fs::file_status status = fs::status(path, error);
-  if (error || !fs::is_regular_file(status)) return;
-  if ((status.permissions() & fs::perms::owner_write) != fs::perms::none) return;
-  fs::permissions(path, fs::perms::owner_write, fs::perm_options::add, error);
 }
 
 }  // namespace
@@ -160,12 +147,7 @@ void Logger::ErrRaise(const Error& error, std::int32_t err_line, const std::stri
 
 void Logger::WriteLogFile(const std::string& text) const {
   if (log_file_path_.empty()) return;
-  ClearReadOnly(log_file_path_);
-  std::FILE* file = std::fopen(log_file_path_.c_str(), "ab");
-  if (!file) return;
-  std::fwrite(text.data(), 1, text.size(), file);
-  std::fwrite("\r\n", 1, 2, file);
-  std::fclose(file);
+  AppendToLogFile(log_file_path_, text);
 }
 
 void Logger::WriteEventLog(const std::string& severity_text) const {

@@ -2,6 +2,7 @@
 #include "diagnostics/logger_factory.h"
 
 #include "diagnostics/app.h"
+#include "diagnostics/log_file.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
 
@@ -25,8 +26,9 @@ std::shared_ptr<Logger> LoggerFactory::New_Logger(eDebugModes debug_mode,
   std::shared_ptr<Logger> logger(new Logger());
   logger->SetDebugMode(debug_mode);
   logger->app_ = app;
-  logger->log_file_path_ =
-      log_file_path.empty() ? app->Path() + "/" + app->EXEName() + ".DBG" : log_file_path;
+  logger->log_file_path_ = log_file_path.empty()
+                               ? DefaultLogFolder(app->Path()) + "/" + app->EXEName() + ".DBG"
+                               : log_file_path;
   logger->default_message_ = default_message.empty()
                                  ? "A aparut o eroare in OrlaErrorHandler. Este posibil sa nu "
                                    "poata fi creat fisierul de eroare."

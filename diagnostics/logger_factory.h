@@ -18,8 +18,9 @@ class LoggerFactory {
   LoggerFactory& operator=(const LoggerFactory&) = delete;
 
   /// A logger for the host whose application object is `app_object` (an `App`: its type name
-  /// must be "App"). An empty `log_file_path` means the host's folder, "/", its executable name
-  /// and ".DBG"; an empty `default_message` means "A aparut o eroare in OrlaErrorHandler. Este
+  /// must be "App"). An empty `log_file_path` means the host's folder (or, when the user may not
+  /// write there, the user's state folder: `DefaultLogFolder`), "/", its executable name and
+  /// ".DBG"; an empty `default_message` means "A aparut o eroare in OrlaErrorHandler. Este
   /// posibil sa nu poata fi creat fisierul de eroare."; an empty `message_title` the host's
   /// title. Any other object, no object, or a `debug_mode` outside 0..63 raises the overflow
   /// error 6.

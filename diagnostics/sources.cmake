@@ -10,7 +10,11 @@ set(BRIX_DIAGNOSTICS_SOURCES
   diagnostics/app.cpp
   diagnostics/error_trace.cpp
   diagnostics/host_identity.cpp
+  diagnostics/log_file.cpp
+  diagnostics/log_file.h
   diagnostics/logger.cpp
   diagnostics/logger_factory.cpp
   diagnostics/string_builder.cpp
+  diagnostics/syslog_identifier.cpp
+  diagnostics/syslog_identifier.h
 )

@@ -17,7 +17,8 @@ namespace {
 /// Traps when the text reads directly but the bag reads it otherwise, or refuses it.
 void CompareDirectReading(std::string_view text) {
   auto direct = brix::xqb_Query::Create();
-  if (!brix::ReadRegularDefinition(text, *direct)) return;
+  brix::XMLReadBudget budget;
+  if (!brix::ReadRegularDefinition(text, *direct, budget)) return;
   auto through_bag = brix::xqb_Query::Create();
   try {
     auto bag = brix::XMLPropBag::Create();

@@ -176,6 +176,10 @@ std::vector<std::string> cMarshall::ParamNames() const {
   return params;
 }
 
-void cMarshall::Clear() { bag_ = PropertyBag::Create(); }
+void cMarshall::Clear() {
+  const PropertyBagLimits limits = bag_->DecodeLimits();
+  bag_ = PropertyBag::Create();
+  bag_->SetDecodeLimits(limits);
+}
 
 }  // namespace brix

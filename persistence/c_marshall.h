@@ -76,8 +76,14 @@ class cMarshall : public Object {
   /// The names of the parameters added, in the order they were first added.
   std::vector<std::string> ParamNames() const;
 
-  /// Starts again with an empty bag; `bMakeCompress` is kept.
+  /// Starts again with an empty bag; `bMakeCompress` and the decoding limits are kept.
   void Clear();
+
+  /// What loading and reading the envelope may build (`PropertyBagLimits`, with its defaults):
+  /// a few compressed bytes that would decode into millions of values are refused with the
+  /// property bag's error 5 naming the bound, before they are built.
+  const PropertyBagLimits& DecodeLimits() const { return bag_->DecodeLimits(); }
+  void SetDecodeLimits(const PropertyBagLimits& value) { bag_->SetDecodeLimits(value); }
 
  private:
   cMarshall();

@@ -6,6 +6,7 @@ set(BRIX_PERSISTENCE_HEADERS
   persistence/cls_user.h
   persistence/ixml_prop_bag.h
   persistence/xml_prop_bag.h
+  persistence/xml_read_limits.h
 )
 set(BRIX_PERSISTENCE_SOURCES
   persistence/base64_core.cpp
@@ -22,10 +23,14 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/record_row.h
   persistence/shared_xml_document.cpp
   persistence/shared_xml_document.h
+  persistence/xml_markup_check.cpp
+  persistence/xml_markup_check.h
   persistence/xml_path_index.cpp
   persistence/xml_path_index.h
   persistence/xml_prop_bag.cpp
   persistence/xml_prop_bag_errors.h
+  persistence/xml_read_budget.cpp
+  persistence/xml_read_budget.h
   persistence/xml_text_decoder.cpp
   persistence/xml_text_decoder.h
   persistence/xml_text_reader.cpp

@@ -6,6 +6,7 @@
 #include "persistence/bin_base64.h"
 #include "persistence/shared_xml_document.h"
 #include "persistence/xml_prop_bag_errors.h"
+#include "persistence/xml_read_budget.h"
 #include "persistence/xml_text_reader.h"
 #include "persistence/xml_text_writer.h"
 #include "persistence/xml_tree_walk.h"
@@ -47,16 +48,28 @@ std::shared_ptr<IXMLPropBag> PersistableObject(const Variant& value) {
   RaiseXMLPropBagError(kErrXMLDomFailure, std::move(description));
 }
 
-[[noreturn]] void RaiseUnstorable() {
-  RaiseDomError("Text that holds the character U+0000 cannot be stored in an XML document.");
+[[noreturn]] void RaiseUnstorable(const char* character = "U+0000") {
+  RaiseDomError(std::string("Text that holds the character ") + character +
+                " cannot be stored in an XML document.");
+}
+
+/// U+FFFE and U+FFFF (EF BF BE, EF BF BF) are no XML characters, raw or as references: a
+/// document holding one would not load again.
+void CheckNonCharacter(std::string_view text, std::size_t at) {
+  if (at + 2 < text.size() && text[at + 1] == '\xBF' &&
+      (static_cast<unsigned char>(text[at + 2]) & 0xFE) == 0xBE) {
+    RaiseUnstorable(text[at + 2] == '\xBE' ? "U+FFFE" : "U+FFFF");
+  }
 }
 
 /// Text goes into a CDATA section when it holds "<" or ">". The document keeps NUL-terminated
 /// strings, so a U+0000 would silently cut the text: it is refused in the same pass.
 ValueKind TextKind(std::string_view text) {
   bool markup = false;
-  for (const char c : text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
     if (c == '\0') RaiseUnstorable();
+    if (c == '\xEF') CheckNonCharacter(text, i);
     markup |= c == '<' || c == '>';
   }
   return markup ? ValueKind::kMarkup : ValueKind::kText;
@@ -262,6 +275,9 @@ struct XMLPropBag::State {
   pugi::xml_node listed_parent_;
   pugi::xml_node unlisted_child_;
   std::uint64_t listed_version_ = 0;
+  // The bounds of a read: a root bag's own, which nested bags share while it reads.
+  XMLReadBudget own_budget_;
+  XMLReadBudget* budget_ = &own_budget_;
 };
 
 XMLPropBag::XMLPropBag() : state_(std::make_unique<State>()) {}
@@ -357,8 +373,10 @@ Variant XMLPropBag::ReadObject(std::string_view PropertyName, IXMLPropBag& objec
   xpath.append("[@name = \"").append(PropertyName).append("\"]");
   const std::optional<PathSelection*> selection = SelectStep(type, PropertyName, xpath);
   pugi::xml_node element = SelectPath(xpath, selection);
+  state_->budget_->TakeObjects(1);  // a missing element still gives the caller's object
   if (element) {
     XMLPropBag nested;
+    nested.state_->budget_ = state_->budget_;
     nested.SetCurrentNode(state_->document_, element);
     nested.SetPath(std::move(xpath));
     nested.KeepSelection(selection);
@@ -390,7 +408,9 @@ pugi::xml_node XMLPropBag::SelectPath(const std::string& xpath,
 Variant XMLPropBag::ReadValue(std::string_view PropertyName, const Variant& DefaultValue) {
   pugi::xml_node element = SelectChild(PropertyName);
   if (!element) return DefaultValue;
-  return ElementValue(element);
+  Variant value = ElementValue(element);
+  if (value.IsString()) state_->budget_->CheckValue(value.AsString());
+  return value;
 }
 
 Variant XMLPropBag::ElementValue(pugi::xml_node element) {
@@ -494,8 +514,13 @@ void XMLPropBag::RestoreState(IXMLPropBag* RootObject, std::string_view sName) {
   if (!element) return;
   SetCurrentNode(state_->document_, element);
   KeepSelection(selection);
+  state_->own_budget_.Restart(state_->own_budget_.Limits());
   RootObject->ReadProperties(*this);
 }
+
+const XMLReadLimits& XMLPropBag::LoadLimits() const { return state_->own_budget_.Limits(); }
+
+void XMLPropBag::SetLoadLimits(const XMLReadLimits& value) { state_->own_budget_.Restart(value); }
 
 void XMLPropBag::DeleteObject(std::string_view sTypeName, std::string_view sName) {
   SetPath("//PropertyBag/" + std::string(sTypeName) + NameFilter(sName));

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "persistence/ixml_prop_bag.h"
+#include "persistence/xml_read_limits.h"
 #include "runtime/object.h"
 #include "runtime/variant.h"
 
@@ -102,6 +103,11 @@ class XMLPropBag : public Object {
   /// not empty) and lets the object read its properties; does nothing when there is none or
   /// `RootObject` is null.
   void RestoreState(IXMLPropBag* RootObject, std::string_view sName = {});
+
+  /// The bounds that each `RestoreState` holds the document to, the nested objects' reads
+  /// included (see `XMLReadLimits` for the defaults): past them a read raises kErrLoadLimit.
+  const XMLReadLimits& LoadLimits() const;
+  void SetLoadLimits(const XMLReadLimits& value);
 
   /// Removes the first saved element of type `sTypeName` (and `sName`, when not empty); no
   /// match is no error.

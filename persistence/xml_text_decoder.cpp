@@ -82,14 +82,15 @@ std::string FromLatin1(std::string_view bytes) {
 /// A character that may stand in the text as it is.
 bool IsAllowedCodePoint(std::uint32_t code) {
   if (code < 0x20) return code == 0x9 || code == 0xA || code == 0xD;
-  return (code < 0xD800 || code > 0xDFFF) && code <= 0x10FFFF;
+  return (code < 0xD800 || code > 0xDFFF) && code != 0xFFFE && code != 0xFFFF && code <= 0x10FFFF;
 }
 
-/// A character a reference may stand for: any but U+0000, surrogates and values past U+10FFFF.
-/// The other control characters are accepted (as XML 1.1 accepts them): the bag writes them as
-/// references so that every text reads back as it was.
+/// A character a reference may stand for: any but U+0000, surrogates, U+FFFE, U+FFFF and values
+/// past U+10FFFF. The other control characters are accepted (as XML 1.1 accepts them): the bag
+/// writes them as references so that every text reads back as it was.
 bool IsReferable(std::int64_t code) {
-  return code > 0 && (code < 0xD800 || code > 0xDFFF) && code <= 0x10FFFF;
+  return code > 0 && (code < 0xD800 || code > 0xDFFF) && code != 0xFFFE && code != 0xFFFF &&
+         code <= 0x10FFFF;
 }
 
 /// Length of the UTF-8 sequence at `text[at]` when it is well formed and its character allowed;

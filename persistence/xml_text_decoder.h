@@ -17,10 +17,11 @@ std::string_view DecodeXmlText(std::string_view bytes, std::string& storage);
 /// Where `text` breaks a rule of XML's characters, with the reason (ending in " at line L,
 /// column C."); an empty reason when it breaks none: bytes that are not UTF-8, characters XML
 /// does not allow as they stand (U+0000 and the other control characters but tab, line feed and
-/// carriage return, surrogates), and character references to U+0000, to a surrogate or past
-/// U+10FFFF. References to the other control characters are accepted, as XML 1.1 accepts them:
-/// the bag writes control characters that way so that every text reads back. Text inside
-/// comments, CDATA sections and processing instructions is not read for references.
+/// carriage return, surrogates, U+FFFE and U+FFFF), and character references to U+0000, to a
+/// surrogate, to U+FFFE or U+FFFF, or past U+10FFFF. References to the other control characters are
+/// accepted, as XML 1.1 accepts them: the bag writes control characters that way so that every text
+/// reads back. Text inside comments, CDATA sections and processing instructions is not read for
+/// references.
 std::string ForbiddenCharacters(std::string_view text);
 
 /// " at line L, column C." for byte `offset` of `text` (lines end at LF; columns count bytes).

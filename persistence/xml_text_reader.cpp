@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "persistence/xml_markup_check.h"
 #include "persistence/xml_prop_bag_errors.h"
 #include "persistence/xml_text_decoder.h"
 #include "runtime/error_numbers.h"
@@ -77,6 +78,7 @@ void ReadXmlText(pugi::xml_document& document, std::string_view bytes, bool embe
   std::string decoded;
   const std::string_view text = DecodeXmlText(bytes, decoded);
   std::string reason = ForbiddenCharacters(text);
+  if (reason.empty()) reason = MalformedMarkup(text);
   if (reason.empty()) {
     const pugi::xml_parse_result result = document.load_buffer(
         text.data(), text.size(),

@@ -58,4 +58,11 @@ const std::vector<Variant>& InitialValues(const std::vector<Row<T>>& rows) {
   return values;
 }
 
+/// Reads `query` from the definition document `xml_text` through an XML property bag. A value
+/// that does not convert to its property's type is raised with its number and a description
+/// that names the element, its path in the document ("xqb_Query/Table1/Field2") and its line.
+/// The bag holds the document to `limits`.
+void ReadDefinitionThroughBag(std::string_view xml_text, xqb_Query& query,
+                              const XMLReadLimits& limits);
+
 }  // namespace brix

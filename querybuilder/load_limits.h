@@ -2,17 +2,13 @@
 // error instead of running the process out of memory or time.
 #pragma once
 
-#include <cstdint>
+#include "persistence/xml_read_limits.h"
 
 namespace brix {
 
-/// The bounds of one `xqb_Query::LoadXMLDef`. A document past them is refused with the load
-/// error and a reason that names the bound.
-struct xqb_LoadLimits {
-  /// Tables, fields and conditions together, those a count claims without elements included.
-  std::int64_t MaxObjects = 4'000'000;
-  /// Bytes of one property's text.
-  std::int64_t MaxValueLength = std::int64_t{16} << 20;
-};
+/// The bounds of one `xqb_Query::LoadXMLDef`: those of the bag's reads (`XMLReadLimits`), held
+/// on both reading paths. A document past them is refused with the load error and a reason
+/// that names the bound.
+using xqb_LoadLimits = XMLReadLimits;
 
 }  // namespace brix

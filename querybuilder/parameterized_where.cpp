@@ -57,7 +57,7 @@ class BoundWriter {
                                                                     : Parameter(operand).text;
     out += LikeOperator(options_.dialect, negated);
     Bind(out, {SqlType::kText, (contains ? "%" : "") + EscapeLikePattern(text) + "%"});
-    out += kLikeEscapeClause;
+    out += LikeEscapeClause(options_.dialect);
   }
 
   void List(std::string& out, bool negated, const xqb_Condition& condition) {

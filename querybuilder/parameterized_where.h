@@ -19,7 +19,8 @@ class xqb_Table;
 ///   `DBType`): ranges and relative kinds on a Date field bind ISO dates, comparisons on a Date
 ///   field bind the operand's date, the time kinds bind the clock's hour and minute;
 /// - contains / starts-with bind "%" + text + "%" / text + "%" with "\", "%" and "_" escaped,
-///   followed by ESCAPE '\' (ILIKE on PostgreSQL);
+///   followed by ESCAPE '\' (ILIKE ... ESCAPE E'\\' on PostgreSQL, whatever the server's
+///   standard_conforming_strings);
 /// - IN lists are read by `ReadInList` into one placeholder per item, each bound by the field's
 ///   type;
 /// - a join link that reads as a name is quoted like one; other link text is host SQL, written as

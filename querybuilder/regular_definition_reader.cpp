@@ -16,11 +16,12 @@
 #include <vector>
 
 #include "persistence/bin_base64.h"
+#include "persistence/xml_markup_check.h"
 #include "persistence/xml_text_decoder.h"
 #include "querybuilder/definition_rows.h"
-#include "querybuilder/load_budget.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
+#include "runtime/error_numbers.h"
 #include "runtime/text.h"
 
 namespace brix {
@@ -37,7 +38,9 @@ enum CharacterClass : std::uint8_t {
   kSpace = 1,
   kNameStart = 2,
   kNameChar = 4,
-  kDecoded = 8,  // changed by the parser in character data: "&" and CR
+  kDecoded = 8,   // changed by the parser in character data: "&" and CR
+  kBracket = 16,  // "]", which may begin a "]]>" that text must not hold
+  kInValue = 32,  // "<" and "&", which an attribute value may not hold as they stand
 };
 
 constexpr std::array<std::uint8_t, 256> kClasses = [] {
@@ -50,6 +53,9 @@ constexpr std::array<std::uint8_t, 256> kClasses = [] {
   }
   classes['&'] |= kDecoded;
   classes['\r'] |= kDecoded;
+  classes[']'] |= kBracket;
+  classes['<'] |= kInValue;
+  classes['&'] |= kInValue;
   return classes;
 }();
 
@@ -131,6 +137,13 @@ struct PropertyValue {
   }
 };
 
+/// A text value past the budget's length ends the load, as it would through the bag.
+void CheckLength(const PropertyValue& value, const XMLReadBudget& budget) {
+  if (value.kind == PropertyValue::kText || value.kind == PropertyValue::kMarkedText) {
+    budget.CheckValue(value.text);
+  }
+}
+
 /// The character a reference stands for ("lt", "#38", "#x26" between "&" and ";"). References
 /// the parser would keep as they stand, or read otherwise, end the pass.
 std::uint32_t ReferencedCharacter(std::string_view reference) {
@@ -186,8 +199,12 @@ void AppendDecoded(std::string_view raw, bool character_data, std::string& out) 
 template <class T>
 class RowFiller {
  public:
-  RowFiller(T& object, const std::vector<Row<T>>& rows)
-      : object_(object), rows_(rows), names_(RowNames(rows)), initial_values_(InitialValues(rows)) {
+  RowFiller(T& object, const std::vector<Row<T>>& rows, const XMLReadBudget& budget)
+      : object_(object),
+        rows_(rows),
+        names_(RowNames(rows)),
+        initial_values_(InitialValues(rows)),
+        budget_(budget) {
     static_assert(sizeof(seen_) * 8 >= 48, "every row has its bit");
     if (rows.size() > sizeof(seen_) * 8) Irregular();
   }
@@ -231,9 +248,7 @@ class RowFiller {
 
   void Apply(const Row<T>& row, const PropertyValue& value) {
     if (!row.set) return;
-    if (value.kind == PropertyValue::kText || value.kind == PropertyValue::kMarkedText) {
-      LoadBudget::CheckValue(value.text);
-    }
+    CheckLength(value, budget_);
     if (value.kind == PropertyValue::kText && row.set_text) {
       row.set_text(object_, value.text);
     } else {
@@ -245,20 +260,21 @@ class RowFiller {
   const std::vector<Row<T>>& rows_;
   const std::vector<ElementName>& names_;
   const std::vector<Variant>& initial_values_;
+  const XMLReadBudget& budget_;
   std::size_t next_ = 0;
   std::uint64_t seen_ = 0;
 };
 
 class DefinitionTextReader {
  public:
-  explicit DefinitionTextReader(std::string_view text)
-      : at_(text.data()), end_(text.data() + text.size()) {}
+  DefinitionTextReader(std::string_view text, XMLReadBudget& budget)
+      : at_(text.data()), end_(text.data() + text.size()), budget_(budget) {}
 
   void ReadDocument(xqb_Query& query) {
     Take("\xEF\xBB\xBF");
+    if (Take("<?xml")) SkipDeclaration();  // the parser drops it
     SkipSpace();
-    while (Take("<?")) SkipProcessingInstruction();  // the declaration: the parser drops it
-    Expect('<');
+    Expect('<');  // other processing instructions are left to the general reading
     StartTag bag;
     ReadStartTag(bag);
     if (bag.name != "PropertyBag" || bag.closed) Irregular();
@@ -331,13 +347,12 @@ class DefinitionTextReader {
     return {start, static_cast<std::size_t>(at - start)};
   }
 
-  void SkipProcessingInstruction() {
-    Name();
-    if (!Take("?>")) {
-      if (at_ == end_ || !Is(*at_, kSpace)) Irregular();
-      at_ = Find("?>") + 2;
-    }
+  /// The XML declaration after its "<?xml": only at the very start, beginning with the version.
+  void SkipDeclaration() {
+    if (at_ == end_ || !Is(*at_, kSpace)) Irregular();
     SkipSpace();
+    if (!Take("version")) Irregular();
+    at_ = Find("?>") + 2;
   }
 
   /// The tag after its "<": a name and at most two attributes (more are left to the general
@@ -375,8 +390,27 @@ class DefinitionTextReader {
       const char quote = *at_++;
       const char* close = Find(quote);
       attribute.value = {at_, static_cast<std::size_t>(close - at_)};
-      if (attribute.value.find('<') != std::string_view::npos) Irregular();
+      CheckAttributeValue(attribute.value);
       at_ = close + 1;
+      // A repeated name makes the document malformed: the general reading refuses it.
+      if (tag.attribute_count == 2 && tag.attributes[0].name == attribute.name) Irregular();
+    }
+  }
+
+  /// Values hold no "<", and only references XML defines (the reader uses none of them as
+  /// text: those it reads hold none).
+  static void CheckAttributeValue(std::string_view value) {
+    std::uint8_t any_classes = 0;  // one pass over the short value instead of two searches
+    for (const char c : value) any_classes |= kClasses[static_cast<unsigned char>(c)];
+    if (!(any_classes & kInValue)) return;
+    if (value.find('<') != std::string_view::npos) Irregular();
+    for (std::size_t amp = value.find('&'); amp != std::string_view::npos;
+         amp = value.find('&', amp + 1)) {
+      const std::size_t semicolon = value.find(';', amp);
+      if (semicolon == std::string_view::npos ||
+          !IsDefinedReference(value.substr(amp + 1, semicolon - amp - 1))) {
+        Irregular();
+      }
     }
   }
 
@@ -460,6 +494,11 @@ class DefinitionTextReader {
         any_classes |= classes;
       }
       if (at == end_) Irregular();
+      if ((any_classes & kBracket) &&
+          std::string_view(start, static_cast<std::size_t>(at - start)).find("]]>") !=
+              std::string_view::npos) {
+        Irregular();  // not XML: the general reading refuses it
+      }
       if (!(all_classes & kSpace)) {
         add({start, static_cast<std::size_t>(at - start)}, true, !(any_classes & kDecoded));
       }
@@ -492,7 +531,7 @@ class DefinitionTextReader {
   void ReadOwner(T& owner, const StartTag& tag, const std::vector<Row<T>>& rows,
                  const ChildShape& shape, void (T::*set_collection)(std::shared_ptr<Collection>),
                  void (Collection::*add)(std::shared_ptr<Child>)) {
-    RowFiller<T> filler(owner, rows);
+    RowFiller<T> filler(owner, rows, budget_);
     std::vector<std::shared_ptr<Child>> children;
     std::optional<std::int32_t> count;
     StartTag child;
@@ -504,7 +543,7 @@ class DefinitionTextReader {
     while (NextChild(tag, child, expected())) {
       if (child.name == shape.type) {
         CheckNumber(child, shape.prefix, children.size() + 1);
-        LoadBudget::TakeObjects(1);
+        budget_.TakeObjects(1);
         children.push_back(Child::Create());
         ReadObject(*children.back(), child);
         continue;
@@ -512,7 +551,10 @@ class DefinitionTextReader {
       const PropertyValue value = ReadValue(child);
       if (filler.Take(child.name, value, child.expected)) continue;
       if (child.name == shape.count_name) {
-        if (!count) count = CLng(value.AsVariant());
+        if (!count) {
+          CheckLength(value, budget_);
+          count = CLng(value.AsVariant());
+        }
       } else if (child.name == "PropertyBag") {
         Irregular();
       }
@@ -527,7 +569,7 @@ class DefinitionTextReader {
       if (static_cast<std::size_t>(n) <= children.size()) {
         ((*collection).*add)(std::move(children[n - 1]));
       } else {
-        LoadBudget::TakeObjects(1);
+        budget_.TakeObjects(1);
         ((*collection).*add)(Child::Create());
       }
     }
@@ -557,7 +599,7 @@ class DefinitionTextReader {
   }
 
   void ReadObject(xqb_Condition& condition, const StartTag& tag) {
-    RowFiller<xqb_Condition> filler(condition, ConditionRows());
+    RowFiller<xqb_Condition> filler(condition, ConditionRows(), budget_);
     StartTag child;
     while (NextChild(tag, child, filler.Expected())) {
       const PropertyValue value = ReadValue(child);
@@ -570,21 +612,23 @@ class DefinitionTextReader {
 
   const char* at_;
   const char* end_;
+  XMLReadBudget& budget_;
   std::string scratch_;  // a value that had to be decoded, until the next one
 };
 
 }  // namespace
 
-bool ReadRegularDefinition(std::string_view xml_text, xqb_Query& query) {
+bool ReadRegularDefinition(std::string_view xml_text, xqb_Query& query, XMLReadBudget& budget) {
   try {
     std::string decoded;
     const std::string_view text = DecodeXmlText(xml_text, decoded);
     if (!ForbiddenCharacters(text).empty()) return false;
-    DefinitionTextReader(text).ReadDocument(query);
+    DefinitionTextReader(text, budget).ReadDocument(query);
     return true;
   } catch (const IrregularShape&) {
     return false;
-  } catch (const Error&) {
+  } catch (const Error& error) {
+    if (error.Number() == kErrLoadLimit) throw;
     return false;  // the general reading raises it again, with its own context
   }
 }

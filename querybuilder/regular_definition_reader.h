@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "persistence/xml_read_budget.h"
 #include "querybuilder/xqb_query.h"
 
 namespace brix {
@@ -19,6 +20,9 @@ namespace brix {
 /// Returns false, having possibly changed `query`, when the document has another shape, is not
 /// well-formed, or a value does not convert: the caller then reads the document through the
 /// bag, which sets every saved property again and raises what it raises.
-bool ReadRegularDefinition(std::string_view xml_text, xqb_Query& query);
+///
+/// A document past `budget` is refused at once with the budget's error: reading it again
+/// through the bag would only meet the same bound later, after building a DOM.
+bool ReadRegularDefinition(std::string_view xml_text, xqb_Query& query, XMLReadBudget& budget);
 
 }  // namespace brix

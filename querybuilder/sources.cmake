@@ -4,6 +4,7 @@ set(BRIX_QUERYBUILDER_HEADERS
   querybuilder/load_limits.h
   querybuilder/model_collection.h
   querybuilder/parameterized_statement.h
+  querybuilder/query_validator.h
   querybuilder/tree_walk.h
   querybuilder/xqb_condition.h
   querybuilder/xqb_conditions.h
@@ -29,8 +30,6 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.cpp
   querybuilder/indexed_collection.h
-  querybuilder/load_budget.cpp
-  querybuilder/load_budget.h
   querybuilder/name_index.h
   querybuilder/named_collection.h
   querybuilder/operand_dates.cpp
@@ -39,6 +38,7 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/parameterized_where.cpp
   querybuilder/parameterized_where.h
   querybuilder/query_definition_document.cpp
+  querybuilder/query_validator.cpp
   querybuilder/parameter_expander.h
   querybuilder/regular_definition_reader.cpp
   querybuilder/sql_dialect.cpp

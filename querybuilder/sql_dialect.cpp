@@ -283,6 +283,10 @@ std::string_view LikeOperator(SqlDialect dialect, bool negated) {
   return negated ? " NOT LIKE " : " LIKE ";
 }
 
+std::string_view LikeEscapeClause(SqlDialect dialect) {
+  return dialect == SqlDialect::kPostgreSQL ? " ESCAPE E'\\\\'" : " ESCAPE '\\'";
+}
+
 std::string EscapeLikePattern(std::string_view text) {
   std::string escaped;
   escaped.reserve(text.size());

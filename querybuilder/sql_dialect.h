@@ -36,8 +36,10 @@ bool ReadsAsName(std::string_view text);
 /// " LIKE " / " NOT LIKE " for SQLite, " ILIKE " / " NOT ILIKE " for PostgreSQL.
 std::string_view LikeOperator(SqlDialect dialect, bool negated);
 
-/// The text after a LIKE placeholder that names its escape character.
-inline constexpr std::string_view kLikeEscapeClause = " ESCAPE '\\'";
+/// The text after a LIKE placeholder that names "\" as its escape character. PostgreSQL gets an
+/// escape-string literal (E'\\'): a plain '\' there reads as an unterminated literal when the
+/// server runs with standard_conforming_strings off, and would swallow the statement's next text.
+std::string_view LikeEscapeClause(SqlDialect dialect);
 
 /// `text` with "\", "%" and "_" preceded by "\", so a LIKE pattern matches them literally.
 std::string EscapeLikePattern(std::string_view text);

@@ -21,8 +21,6 @@ constexpr std::int32_t kHighestRandomID = 10000;
 
 }  // namespace
 
-xqb_Conditions::xqb_Conditions() : random_state_(xqb_Module::kRndInitialState) {}
-
 std::shared_ptr<xqb_Conditions> xqb_Conditions::Create() {
   struct Made : xqb_Conditions {};  // one allocation for the object and its count
   return std::make_shared<Made>();
@@ -41,7 +39,7 @@ std::shared_ptr<xqb_Condition> xqb_Conditions::Add(qbe_ClauseOperator clause, co
                                                    const Variant& secondary_value) {
   if (ConditionExists(clause, value, secondary_value)) RaiseDuplicateCondition();
   auto condition = xqb_Condition::Create();
-  condition->SetConditionID(xqb_Module::RandomNumber(random_state_, 0, kHighestRandomID));
+  condition->SetConditionID(xqb_Module::RandomNumber(0, kHighestRandomID));
   condition->SetClause(clause);
   condition->SetValue(value);
   condition->SetSecondaryValue(secondary_value);

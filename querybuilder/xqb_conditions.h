@@ -26,8 +26,7 @@ class xqb_Conditions : public ModelCollection<xqb_Condition, ConditionIndex> {
   void AddObjectCondition(std::shared_ptr<xqb_Condition> condition);
 
   /// Creates, adds and returns a condition with a random `ConditionID` in 0..10000 (not checked
-  /// for being free: a used one fails with the collection's 457), drawn from the collection's own
-  /// generator, re-seeded from the clock each time. Raises 0x80040BB8
+  /// for being free: a used one fails with the collection's 457). Raises 0x80040BB8
   /// "[Add Condition]" when the duplicate test finds one.
   std::shared_ptr<xqb_Condition> Add(qbe_ClauseOperator clause, const Variant& value = Variant(""),
                                      const Variant& secondary_value = Variant(""));
@@ -40,11 +39,9 @@ class xqb_Conditions : public ModelCollection<xqb_Condition, ConditionIndex> {
                        const Variant& secondary_value = Variant::Missing());
 
  private:
-  xqb_Conditions();
+  xqb_Conditions() = default;
 
   bool ScanForDuplicate(qbe_ClauseOperator clause, const Variant& value) const;
-
-  std::uint32_t random_state_;  // the generator `Add` draws identities from (xqb_Module)
 };
 
 }  // namespace brix

@@ -1,4 +1,5 @@
 // The published vocabulary of the query model: every enumeration hosts and saved definitions use.
+// The logger's flags, `eDebugModes`, live with the logger in diagnostics/logger.h.
 #pragma once
 
 #include <cstdint>
@@ -135,16 +136,6 @@ enum qbe_ControlType : std::int32_t {
 enum qbe_OrderType : std::int32_t {
   qbe_OrderUI = 0,
   qbe_Unordered = 100,
-};
-
-/// Where the logger sends a report; flags that combine.
-enum eDebugModes : std::int32_t {
-  dbgToLogFile = 1,
-  dbgMessageBox = 2,
-  dbgImmediateWindow = 4,
-  dbgEventLog = 8,
-  dbgDisplayOriginalError = 16,
-  dbgWriteXMLOut = 32,
 };
 
 }  // namespace brix

@@ -12,11 +12,14 @@
 namespace brix::xqb_Module {
 namespace {
 
+constexpr std::uint32_t kInitialState = 0x50000;
 constexpr std::uint32_t kStateMask = 0xFFFFFF;
 constexpr std::int64_t kModulus = 2147483647;
 constexpr std::int64_t kMultiplier = 48271;
 constexpr std::int64_t kQuotient = 44488;  // kModulus / kMultiplier
 constexpr std::int64_t kRemainder = 3399;  // kModulus % kMultiplier
+
+thread_local std::uint32_t rnd_state = kInitialState;
 
 // A result of 32-bit arithmetic: raises the overflow error when it leaves the Long range.
 std::int64_t Long(std::int64_t value) {
@@ -29,19 +32,19 @@ std::int64_t Long(std::int64_t value) {
 
 }  // namespace
 
-void Randomize(std::uint32_t& state) {
+void Randomize() {
   std::uint32_t h = std::bit_cast<std::uint32_t>(Timer());
-  state = (state & 0xFF0000FFu) | (((h & 0xFFFFu) << 8) ^ ((h >> 8) & 0xFFFF00u));
+  rnd_state = (rnd_state & 0xFF0000FFu) | (((h & 0xFFFFu) << 8) ^ ((h >> 8) & 0xFFFF00u));
 }
 
-float Rnd(std::uint32_t& state) {
-  state = (state * 0x43FD43FDu + 0xC39EC3u) & kStateMask;
-  return static_cast<float>(state) / 16777216.0f;
+float Rnd() {
+  rnd_state = (rnd_state * 0x43FD43FDu + 0xC39EC3u) & kStateMask;
+  return static_cast<float>(rnd_state) / 16777216.0f;
 }
 
-std::int32_t RandomNumber(std::uint32_t& state, std::int32_t low, std::int32_t high) {
-  Randomize(state);
-  double r = Rnd(state);
+std::int32_t RandomNumber(std::int32_t low, std::int32_t high) {
+  Randomize();
+  double r = Rnd();
   // Single times Long is computed in Double; the integer part is stored in a Long.
   double start = std::floor(r * static_cast<double>(Long(std::int64_t{high} - 1)) + 1);
   if (!(start >= std::numeric_limits<std::int32_t>::min() &&

@@ -8,8 +8,8 @@
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/condition_describer.h"
+#include "querybuilder/definition_rows.h"
 #include "querybuilder/full_text_renderer.h"
-#include "querybuilder/load_budget.h"
 #include "querybuilder/parameter_expander.h"
 #include "querybuilder/parameterized_where.h"
 #include "querybuilder/regular_definition_reader.h"
@@ -207,15 +207,10 @@ void xqb_Query::LoadXMLDef(std::string_view XMLDef) {
     before.reset(new xqb_Query());
     before->DefinitionMembers() = DefinitionMembers();
     kept = true;
-    {
-      const LoadBudget budget(load_limits_);
-      if (ReadRegularDefinition(XMLDef, *this)) return;
-    }
+    XMLReadBudget budget(load_limits_);
+    if (ReadRegularDefinition(XMLDef, *this, budget)) return;
     DefinitionMembers() = before->DefinitionMembers();  // undoes what the direct reading set
-    const LoadBudget budget(load_limits_);
-    auto bag = XMLPropBag::Create();
-    bag->SetContentsForReading(XMLDef);
-    bag->RestoreState(this);
+    ReadDefinitionThroughBag(XMLDef, *this, load_limits_);
   } catch (const Error& trapped) {
     Raise(kErrLoadXMLDef, kLoadSource, TrappedDescription(kLoadMessage, "", trapped));
   } catch (const std::bad_alloc&) {

@@ -6,13 +6,16 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <vector>
 
 #include "persistence/ixml_prop_bag.h"
 #include "querybuilder/load_limits.h"
 #include "querybuilder/parameterized_statement.h"
+#include "querybuilder/query_validator.h"
 #include "querybuilder/xqb_definitions.h"
 #include "querybuilder/xqb_fields.h"
 #include "querybuilder/xqb_tables.h"
+#include "runtime/error.h"  // what every method here raises
 #include "runtime/object.h"
 #include "runtime/variant.h"
 
@@ -111,12 +114,16 @@ class xqb_Query : public IXMLPropBag {
   std::string ReturnAllFields(bool simple_fields = true) const;
   /// The ORDER BY list without the keyword, placed by `OrderByLevel`; a negative level raises 9.
   std::string ReturnOrderByFields() const;
-  /// The whole SELECT statement ("" without tables), with " LIMIT " `top_records` when it is not
-  /// 0. Placement, texts and choices: see statement_builder.h.
+  /// The whole SELECT statement ("" without tables): "SELECT [DISTINCT] fields FROM [t1], [t2]
+  /// WHERE joins AND filter GROUP BY ... ORDER BY ...", then " LIMIT " `top_records` when it is
+  /// not 0. Operands are written into the text in the compatible (Access) syntax; for an engine
+  /// of today use `ReturnParameterizedSQL`. Example output: README, "Generated SQL".
   std::string ReturnSQL(std::int32_t top_records = 0) const;
 
-  /// The filter text: conditions, and join equalities with `with_join_conditions`, of every
-  /// table or of `tabela` alone. Texts and choices: see where_renderer.h.
+  /// The filter text without "WHERE": each field's conditions as "(c1 OR c2 ...)", the fields
+  /// joined by " AND ", of every table or of `tabela` alone; `simple_fields` False writes
+  /// "[table].field"; `with_join_conditions` puts " (table.field = LinksWithField) AND " first.
+  /// Parameter conditions are skipped; full-text clauses leave their field out.
   std::string ReturnWHEREConditions(bool simple_fields = true,
                                     std::shared_ptr<xqb_Table> tabela = nullptr,
                                     bool with_join_conditions = false) const;
@@ -135,8 +142,8 @@ class xqb_Query : public IXMLPropBag {
 
   /// The statement of `ReturnSQL` for a real engine: names quoted the dialect's way, every
   /// operand a placeholder bound to a typed value, dates as ISO dates, IN lists read item by
-  /// item, the row limit `options.top_records`. The compatible text is not changed by it. See
-  /// parameterized_where.h for the filter and statement_builder.h for the lists.
+  /// item, the row limit `options.top_records`. It selects what `ReturnSQL` selects, and does
+  /// not change the compatible text. Bind `parameters[i]` to placeholder i + 1.
   ParameterizedStatement ReturnParameterizedSQL(const StatementOptions& options = {}) const;
   /// The filter of `ReturnWHEREConditions` the same way, with the same arguments.
   ParameterizedStatement ReturnParameterizedWHERE(const StatementOptions& options = {},
@@ -144,18 +151,47 @@ class xqb_Query : public IXMLPropBag {
                                                   std::shared_ptr<xqb_Table> tabela = nullptr,
                                                   bool with_join_conditions = false) const;
 
-  /// The dtSearch request of the first table's indexed fields (see full_text_renderer.h).
+  /// The dtSearch request of the conditions on the first table's fields marked `IsDTIndex`:
+  /// "((Titlu contains (codul muncii))) AND ((contract* AND munca*) AND (concediu w/33 odihna))";
+  /// `use_near_operator_value` is the distance of the words-near clause.
   std::string ReturnDTConditions(std::int16_t use_near_operator_value = 33) const;
 
-  /// Adds a condition per value of the parameter `param_name` (see parameter_expander.h).
+  /// Adds, beside the first condition whose `ParamName` is exactly `param_name`, one condition
+  /// per non-empty element of the array `param_values` (its `Clause`, the element as `Value`,
+  /// `IsEditable` False, `Tag` "ConditionFromParam", a random `ConditionID`). No such condition:
+  /// nothing happens. Failures raise 0x80042774 "Couldn't add parameter!" with the reason;
+  /// conditions added before stay.
   void AddParamValues(std::string_view param_name, const Variant& param_values);
 
-  /// A Romanian sentence describing one condition (see condition_describer.h).
+  /// A Romanian sentence describing the first condition whose `ConditionID` is `condition_id`:
+  /// the field's `Caption` (and " (" table `Description` ")" with two tables or more), then the
+  /// clause's phrase with the operands as text: "Oras sa fie 'Cluj'". "" for an unknown ID.
   std::string ReturnConditionDescription(std::int32_t condition_id) const;
   /// The description `ReturnConditionDescription` gives for `condition`, held by `field` of
   /// `table` in this query, without looking it up by its ID.
   std::string DescribeCondition(const xqb_Table& table, const xqb_Field& field,
                                 const xqb_Condition& condition) const;
+
+  /// What would make the statement fail or mean something other than the definition says, one
+  /// problem per finding, in tree order; reads the tree and changes nothing (the texts the query
+  /// renders stay as they are, problems or not). Reported:
+  /// - a `Clause` outside 1..32, or one that its field does not offer (neither listed by
+  ///   `ReturnAvailableClauses` nor in its available-clause list);
+  /// - a field in the statement, not calculated, whose `Alias` is empty (the statement writes
+  ///   "AS" with nothing after it);
+  /// - an operand that is no value of its field's `DBType` (text on a Numeric field, a text
+  ///   that is no date on a Date field, Null where a value is compared), or a count that is no
+  ///   number (last X days and the like); parameter and full-text conditions are not read;
+  /// - an IN list that does not read as "(item, item ...)" of numbers and quoted texts, or
+  ///   whose items are no values of the field's type;
+  /// - a `ConditionID` used by an earlier condition of the query (look-ups find the first);
+  /// - a `LinksWithField` that reads as a name but names no field ("table.field" or "field",
+  ///   letter case and brackets aside); link text that is SQL is the host's and not read.
+  std::vector<QueryProblem> Validate() const;
+
+  /// The distinct non-empty `ParamName`s of the conditions, in tree order; `AddParamValues`
+  /// compares them exactly, letter case included.
+  std::vector<std::string> ParameterNames() const;
 
   /// The library's version, "Major.Minor.Revision".
   std::string GetVersion() const;
@@ -164,7 +200,8 @@ class xqb_Query : public IXMLPropBag {
   /// normalised).
   bool FieldExists(std::string_view db_name);
 
-  // Value/caption lists, in their published order (see vocabulary_lists.h).
+  // Value/caption lists for a host's combo boxes, in their published order: arrays of
+  // [value, English caption] pairs.
   Variant GetDataTypes() const;
   Variant GetControlTypes() const;
   Variant GetSortTypes() const;

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -266,6 +267,63 @@ class Reader {
   std::size_t at_ = 0;
 };
 
+}  // namespace
+
+/// What one read has built so far, against its bag's limits.
+class DecodeBudget {
+ public:
+  explicit DecodeBudget(const PropertyBagLimits& limits) : limits_(limits) {}
+
+  /// The budget for a read from `bag`: the one lent to it, else `own` (a fresh one).
+  static DecodeBudget& For(const PropertyBag& bag, std::optional<DecodeBudget>& own) {
+    if (bag.lent_budget_) return *bag.lent_budget_;
+    return own.emplace(bag.limits_);
+  }
+
+  /// Counts `values` more values taking `bytes` more memory; past a bound raises 5.
+  void Take(std::uint64_t values, std::uint64_t bytes) {
+    if (values > Left(limits_.MaxValues, values_)) {
+      Refuse(std::to_string(limits_.MaxValues) + " values");
+    }
+    if (bytes > Left(limits_.MaxBytes, bytes_)) {
+      Refuse(std::to_string(limits_.MaxBytes) + " bytes of memory");
+    }
+    values_ += values;
+    bytes_ += bytes;
+  }
+
+  /// Lends this budget to `bag` while the returned guard lives.
+  struct Loan {
+    PropertyBag& bag;
+    ~Loan() { bag.lent_budget_ = nullptr; }
+  };
+  Loan LendTo(PropertyBag& bag) {
+    bag.lent_budget_ = this;
+    return Loan{bag};
+  }
+
+ private:
+  static std::uint64_t Left(std::int64_t bound, std::uint64_t used) {
+    const auto limit = static_cast<std::uint64_t>(std::max<std::int64_t>(bound, 0));
+    return limit > used ? limit - used : 0;
+  }
+  [[noreturn]] static void Refuse(const std::string& bound) {
+    Raise(kErrInvalidProcedureCall, std::string(kSource),
+          "Reading the property bag would build more than " + bound +
+              "; SetDecodeLimits raises the bound.");
+  }
+
+  PropertyBagLimits limits_;
+  std::uint64_t values_ = 0;
+  std::uint64_t bytes_ = 0;
+};
+
+namespace {
+
+/// The memory a stored entry takes beside its name and value bytes: the pair of strings, the
+/// index node and its folded key.
+constexpr std::uint64_t kEntryOverhead = 128;
+
 void SkipValue(Reader& in, int depth);
 
 void SkipEntries(Reader& in, int depth) {
@@ -322,9 +380,9 @@ ByteArray BagBytes(std::string_view entries) {
   return bytes;
 }
 
-Variant DecodeValue(Reader& in);
+Variant DecodeValue(Reader& in, DecodeBudget& budget);
 
-Variant DecodeObject(Reader& in) {
+Variant DecodeObject(Reader& in, DecodeBudget& budget) {
   const std::string class_name(in.String());
   if (class_name.empty()) return Variant::Nothing();
   std::function<std::shared_ptr<Persistable>()> create;
@@ -341,14 +399,16 @@ Variant DecodeObject(Reader& in) {
   const std::size_t start = in.Position();
   SkipEntries(in, 1);
   auto nested = PropertyBag::Create();
+  const auto loan = budget.LendTo(*nested);
   nested->SetContents(BagBytes(in.Slice(start, in.Position())));
   std::shared_ptr<Persistable> object = create();
   object->ReadProperties(*nested);
   return Variant(std::static_pointer_cast<Object>(object));
 }
 
-/// Builds a value from bytes that were checked when they came in.
-Variant DecodeValue(Reader& in) {
+/// Builds a value from bytes that were checked when they came in. The value itself was counted
+/// by the caller; what it holds is counted here, before it is allocated.
+Variant DecodeValue(Reader& in, DecodeBudget& budget) {
   switch (in.Byte()) {
     case kEmpty:
       return Variant();
@@ -366,8 +426,11 @@ Variant DecodeValue(Reader& in) {
       return Variant(Currency{in.Fixed<std::int64_t>()});
     case kDate:
       return Variant(Date{in.Fixed<double>()});
-    case kString:
-      return Variant(std::string(in.String()));
+    case kString: {
+      const std::string_view text = in.String();
+      budget.Take(0, text.size());
+      return Variant(std::string(text));
+    }
     case kError:
       return Variant(ErrorValue{in.Fixed<std::int32_t>()});
     case kBoolean:
@@ -376,16 +439,20 @@ Variant DecodeValue(Reader& in) {
       return Variant(in.Byte());
     case kByteArray: {
       const std::string_view bytes = in.String();
+      budget.Take(0, bytes.size());
       return Variant(ByteArray(bytes.begin(), bytes.end()));
     }
     case kVariantArray: {
       VariantArray array;
       array.lower_bound = in.Fixed<std::int32_t>();
-      for (std::size_t n = in.Count(1); n > 0; --n) array.items.push_back(DecodeValue(in));
+      const std::size_t count = in.Count(1);
+      budget.Take(count, count * sizeof(Variant));
+      array.items.reserve(count);
+      for (std::size_t n = count; n > 0; --n) array.items.push_back(DecodeValue(in, budget));
       return Variant(std::move(array));
     }
     case kObject:
-      return DecodeObject(in);
+      return DecodeObject(in, budget);
     default:
       in.Damaged("an unknown kind of value");
   }
@@ -436,8 +503,11 @@ Variant PropertyBag::ReadProperty(std::string_view DataName, const Variant& Defa
     Raise(kErrDataValueNotFound, std::string(kSource),
           "Data value named '" + std::string(DataName) + "' not found");
   }
+  std::optional<DecodeBudget> own;
+  DecodeBudget& budget = DecodeBudget::For(*this, own);
+  budget.Take(1, sizeof(Variant));
   Reader in(*encoded);
-  return DecodeValue(in);
+  return DecodeValue(in, budget);
 }
 
 std::vector<std::string> PropertyBag::Names() const {
@@ -457,12 +527,16 @@ void PropertyBag::SetContents(const ByteArray& bytes) {
   if (in.Bytes(std::min(kMagic.size(), in.Left())) != kMagic)
     in.Damaged("they are not a property bag");
   if (in.Byte() != kFormatVersion) in.Damaged("the format version is unknown");
+  std::optional<DecodeBudget> own;
+  DecodeBudget& budget = DecodeBudget::For(*this, own);
   auto entries = std::make_unique<Entries>();
   for (std::size_t n = in.Count(2); n > 0; --n) {
     const std::string_view name = in.String();
     const std::size_t start = in.Position();
     SkipValue(in, 0);
-    entries->Put(name, std::string(in.Slice(start, in.Position())));
+    const std::string_view value = in.Slice(start, in.Position());
+    budget.Take(1, kEntryOverhead + 2 * name.size() + value.size());
+    entries->Put(name, std::string(value));
   }
   if (!in.AtEnd()) in.Damaged("bytes follow the last value");
   entries_ = std::move(entries);

@@ -2,6 +2,7 @@
 // persistence of objects that write and read themselves through a bag.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -30,6 +31,18 @@ class Persistable : public virtual Object {
 /// Registering a name again replaces its factory.
 void RegisterPersistableClass(std::string class_name,
                               std::function<std::shared_ptr<Persistable>()> create);
+
+/// What one read from a bag may build (`SetContents`, or one `ReadProperty` with the objects it
+/// reads in turn): every value, array item and entry counts one value, and the memory counts
+/// each value's own size, its text or bytes, and each entry's bookkeeping. Both are checked
+/// before anything is allocated, so a few bytes that claim millions of values are refused at
+/// once (error 5, naming the bound).
+struct PropertyBagLimits {
+  std::int64_t MaxValues = 4'000'000;
+  std::int64_t MaxBytes = std::int64_t{256} << 20;
+};
+
+class DecodeBudget;
 
 /// A keyed store of named variant values. Names are matched without regard to letter case. Every
 /// kind of value is carried unchanged: Empty, Null, Integer, Long, Single, Double, Currency,
@@ -69,11 +82,21 @@ class PropertyBag : public Object {
   /// Replaces the bag by the one `bytes` hold; damaged bytes raise 5 and leave the bag as it was.
   void SetContents(const ByteArray& bytes);
 
+  /// The bounds of each read from this bag (see `PropertyBagLimits` for the defaults).
+  const PropertyBagLimits& DecodeLimits() const { return limits_; }
+  void SetDecodeLimits(const PropertyBagLimits& value) { limits_ = value; }
+
  private:
+  friend class DecodeBudget;
+
   PropertyBag();
 
   struct Entries;
   std::unique_ptr<Entries> entries_;
+  PropertyBagLimits limits_;
+  // Set while an object read from another bag reads itself from this one: its reads count
+  // against that read's budget.
+  DecodeBudget* lent_budget_ = nullptr;
 };
 
 }  // namespace brix

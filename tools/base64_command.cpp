@@ -1,9 +1,12 @@
 // brixq b64: the command line of the Base64 commands and their run over clsBase64.
 #include "tools/base64_command.h"
 
+#include <array>
 #include <limits>
 
 #include "persistence/cls_base64.h"
+#include "runtime/error.h"
+#include "tools/command_help.h"
 #include "tools/command_line.h"
 
 namespace brix::brixq {
@@ -23,7 +26,12 @@ void ApplyOption(const std::vector<std::string_view>& args, std::size_t& i,
     value = name.substr(equals + 1);
     name = name.substr(0, equals);
   }
-  if (name != "span") throw UsageError("unknown option \"--" + std::string(name) + "\"");
+  if (name != "span") {
+    static constexpr std::array<std::string_view, 2> kOptions = {"span", "help"};
+    throw UsageError("unknown option \"--" + std::string(name) + "\"" +
+                     DidYouMean(name, kOptions, "--") +
+                     (name == "date" || name == "param" ? ": b64 reads no definition" : ""));
+  }
   if (options.decode) throw UsageError("the command b64 decode takes no option --span");
   if (!value) {
     if (++i == args.size()) throw UsageError("--span needs a value");
@@ -46,7 +54,9 @@ Base64Options ParseBase64CommandLine(const std::vector<std::string_view>& args) 
     return options;
   }
   if (args[1] != "encode" && args[1] != "decode") {
-    throw UsageError("unknown b64 action \"" + std::string(args[1]) + "\"");
+    static constexpr std::array<std::string_view, 2> kActions = {"encode", "decode"};
+    throw UsageError("unknown b64 action \"" + std::string(args[1]) + "\"" +
+                     DidYouMean(args[1], kActions));
   }
   options.decode = args[1] == "decode";
   for (std::size_t i = 2; i < args.size(); ++i) {
@@ -71,7 +81,14 @@ std::string RunBase64Command(const Base64Options& options, const std::string& in
     codec->DecodeB64(bytes, bytes);
   } else {
     codec->EncodeB64(bytes, bytes);
-    if (options.span) codec->Span(*options.span, bytes, bytes);
+    if (options.span) {
+      try {
+        codec->Span(*options.span, bytes, bytes);
+      } catch (const Error& error) {
+        Raise(error.Number(), error.Source(),
+              "--span " + std::to_string(*options.span) + ": " + error.Description());
+      }
+    }
   }
   return std::string(bytes.begin(), bytes.end());
 }

@@ -9,6 +9,8 @@
 #include "runtime/error.h"
 #include "runtime/text.h"
 #include "tools/base64_command.h"
+#include "tools/brixq_errors.h"
+#include "tools/command_help.h"
 #include "tools/command_line.h"
 #include "tools/envelope_command.h"
 #include "tools/file_access.h"
@@ -18,6 +20,23 @@ namespace {
 
 constexpr int kExitError = 1;
 constexpr int kExitUsage = 2;
+
+// "brixq: MESSAGE" and where to read more, on standard error.
+int ReportUsageError(const brix::brixq::UsageError& error, std::string_view command) {
+  std::cerr << "brixq: " << error.what() << "\n";
+  if (command.empty()) {
+    std::cerr << "see brixq --help\n";
+  } else {
+    std::cerr << "see brixq " << command << " --help\n";
+  }
+  return kExitUsage;
+}
+
+int Print(const brix::brixq::CommandOutput& output) {
+  std::cout << output.text << std::flush;
+  if (output.failed) return kExitError;
+  return std::cout ? 0 : kExitError;
+}
 
 int Main(const std::vector<std::string_view>& args) {
   using namespace brix::brixq;
@@ -35,11 +54,16 @@ int Main(const std::vector<std::string_view>& args) {
       options = ParseCommandLine(args);
     }
   } catch (const UsageError& error) {
-    std::cerr << "brixq: " << error.what() << "\n\n" << UsageText();
-    return kExitUsage;
+    return ReportUsageError(error, is_base64 ? "b64" : is_envelope ? "envelope" : error.command());
+  }
+  if (options.help_overview) {
+    std::cout << UsageText();
+    return 0;
   }
   if (options.help || base64.help || envelope.help) {
-    std::cout << UsageText();
+    std::cout << CommandHelp(is_base64     ? "b64"
+                             : is_envelope ? "envelope"
+                                           : CommandName(options.command));
     return 0;
   }
   if (options.version) {
@@ -52,13 +76,13 @@ int Main(const std::vector<std::string_view>& args) {
     } else if (is_envelope) {
       std::cout << DescribeEnvelope(envelope, ReadDefinition(envelope.file));
     } else {
-      std::cout << RunCommand(options);
+      return Print(RunCommand(options, std::cerr));
     }
     std::cout << std::flush;
   } catch (const brix::Error& error) {
     // One line per error: a wrapped library error's CR LF before "Reason: " becomes a blank.
     std::cerr << "brixq: " << brix::ReplaceAll(error.Description(), "\r\n", " ") << " (error "
-              << error.Number() << ")\n";
+              << ErrorNumberText(error.Number()) << ")\n";
     return kExitError;
   } catch (const std::bad_alloc&) {
     std::cerr << "brixq: out of memory: the input is too large for the memory this process may "

@@ -7,56 +7,13 @@
 #include <limits>
 
 #include "runtime/dates.h"
+#include "tools/command_help.h"
 
 namespace brix::brixq {
 namespace {
 
-constexpr std::string_view kUsage =
-    R"(Usage: brixq COMMAND [OPTIONS] FILE
-       brixq --help | --version
-       brixq b64 encode [--span N] | brixq b64 decode
-       brixq envelope FILE [--compressed]
-
-Loads the query definition document FILE ("-" reads standard input) and prints:
-  sql        the SELECT statement (ReturnSQL)
-  where      the WHERE text alone (ReturnWHEREConditions)
-  dt         the dtSearch full-text request (ReturnDTConditions)
-  describe   one line per condition: its ConditionID, TAB, its Romanian description
-  clauses    one line per field: table, TAB, field, TAB, its available clause numbers
-  save       the definition saved again (SaveXMLDef)
-  run        the rows the parameterized statement selects from SQLite (or PostgreSQL), as a
-             table
-
-Reads standard input and prints, with nothing added:
-  b64 encode  its Base64 text (EncodeB64); with --span N in lines of N characters
-              ending in CR LF (Span)
-  b64 decode  its bytes (Unspan, then DecodeB64)
-
-Reads the call envelope FILE ("-" standard input) and prints its class, procedure, session,
-error, return value and parameters with their types:
-  envelope    --compressed when it was compressed (bMakeCompress)
-
-Options:
-  --top N             sql, run: at most N rows (LIMIT N); 0, the default, means all
-  --dialect NAME      sql, where: the parameterized statement for sqlite or postgresql: names
-                      quoted, every value a placeholder, printed with its parameters
-  --json              sql, where: the parameterized statement and its parameters as one JSON
-                      object (sqlite unless --dialect says otherwise)
-  --refuse-host-sql   sql, where, run: refuse calculated fields and join links written in SQL
-  --qualified         where: write fields as [table].field
-  --joins             where: write the equalities that link the tables first
-  --table NAME        where: only the conditions of the table NAME
-  --near N            dt: word distance of the proximity operator (default 33)
-  --db PATH           run: the SQLite database (default: the bundled sample database)
-  --postgres CONNINFO run: run on PostgreSQL instead ("host=/tmp dbname=shop", postgresql://...)
-  --date DATE         any command: fix the clock at DATE (YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS)
-  --param NAME=V1,... any command, repeatable: add the values V1,... to parameter NAME
-
-Exit status: 0 done, 1 error (message on standard error), 2 wrong command line.
-)";
-
-constexpr std::array<std::string_view, 7> kCommandNames = {"sql",     "where", "dt", "describe",
-                                                           "clauses", "save",  "run"};
+constexpr std::array<std::string_view, 9> kCommandNames = {
+    "sql", "where", "dt", "describe", "clauses", "save", "run", "check", "params"};
 
 unsigned Bit(Command command) { return 1u << static_cast<unsigned>(command); }
 constexpr unsigned kEveryCommand = ~0u;
@@ -101,14 +58,18 @@ constexpr std::int16_t kIntegerMin = std::numeric_limits<std::int16_t>::min();
 constexpr std::int16_t kIntegerMax = std::numeric_limits<std::int16_t>::max();
 
 SqlDialect ParseDialect(std::string_view text) {
-  if (text == "sqlite") return SqlDialect::kSQLite;
-  if (text == "postgresql") return SqlDialect::kPostgreSQL;
-  throw UsageError("--dialect needs sqlite or postgresql, not \"" + std::string(text) + "\"");
+  static constexpr std::array<std::string_view, 2> kDialects = {"sqlite", "postgresql"};
+  if (text == kDialects[0]) return SqlDialect::kSQLite;
+  if (text == kDialects[1]) return SqlDialect::kPostgreSQL;
+  throw UsageError("--dialect needs sqlite or postgresql, not \"" + std::string(text) + "\"" +
+                   DidYouMean(text, kDialects));
 }
 
 const unsigned kStatementCommands = Bit(Command::kSql) | Bit(Command::kWhere);
 
-const std::array<OptionRule, 12> kOptionRules = {{
+const unsigned kRunningCommands = kStatementCommands | Bit(Command::kRun);
+
+const std::array<OptionRule, 14> kOptionRules = {{
     {"top", true, Bit(Command::kSql) | Bit(Command::kRun),
      [](Options& o, std::string_view v) {
        o.top = ParseInteger<std::int32_t>("top", v, 0, kLongMax);
@@ -128,8 +89,10 @@ const std::array<OptionRule, 12> kOptionRules = {{
     {"dialect", true, kStatementCommands,
      [](Options& o, std::string_view v) { o.dialect = ParseDialect(v); }},
     {"json", false, kStatementCommands, [](Options& o, std::string_view) { o.json = true; }},
-    {"refuse-host-sql", false, kStatementCommands | Bit(Command::kRun),
+    {"refuse-host-sql", false, kRunningCommands,
      [](Options& o, std::string_view) { o.refuse_host_sql = true; }},
+    {"strict", false, kRunningCommands, [](Options& o, std::string_view) { o.strict = true; }},
+    {"names", false, Bit(Command::kClauses), [](Options& o, std::string_view) { o.names = true; }},
     {"date", true, kEveryCommand,
      [](Options& o, std::string_view v) {
        o.date = ParseDateTime(v);
@@ -146,20 +109,36 @@ Command ParseCommand(std::string_view name) {
   for (std::size_t i = 0; i < kCommandNames.size(); ++i) {
     if (kCommandNames[i] == name) return static_cast<Command>(i);
   }
-  throw UsageError("unknown command \"" + std::string(name) + "\"");
+  throw UsageError("unknown command \"" + std::string(name) + "\"" +
+                   DidYouMean(name, CommandNames()));
+}
+
+// The names of the options `command` takes, for hints.
+std::vector<std::string_view> OptionNames(Command command) {
+  std::vector<std::string_view> names = {"help"};
+  for (const OptionRule& rule : kOptionRules) {
+    if (rule.commands & Bit(command)) names.push_back(rule.name);
+  }
+  return names;
 }
 
 const OptionRule& FindOption(std::string_view name, Command command) {
+  const std::string command_name(CommandName(command));
   for (const OptionRule& rule : kOptionRules) {
     if (rule.name != name) continue;
     if ((rule.commands & Bit(command)) == 0) {
-      throw UsageError("the command " + std::string(kCommandNames[static_cast<int>(command)]) +
-                       " takes no option --" + std::string(name));
+      throw UsageError("the command " + command_name + " takes no option --" + std::string(name),
+                       command_name);
     }
     return rule;
   }
-  throw UsageError("unknown option \"--" + std::string(name) + "\"");
+  throw UsageError("unknown option \"--" + std::string(name) + "\"" +
+                       DidYouMean(name, OptionNames(command), "--"),
+                   command_name);
 }
+
+// Parses the arguments after the command; usage errors come back naming the command.
+void ParseArguments(const std::vector<std::string_view>& args, Options& options);
 
 // Digits at the positions of `pattern` that hold '9', the other characters as written.
 bool MatchesPattern(std::string_view text, std::string_view pattern) {
@@ -204,7 +183,7 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
   Options options;
   if (args.empty()) throw UsageError("missing COMMAND");
   if (args[0] == "--help" || args[0] == "-h") {
-    options.help = true;
+    options.help = options.help_overview = true;
     return options;
   }
   if (args[0] == "--version") {
@@ -212,6 +191,18 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
     return options;
   }
   options.command = ParseCommand(args[0]);
+  try {
+    ParseArguments(args, options);
+  } catch (const UsageError& error) {
+    if (!error.command().empty()) throw;
+    throw UsageError(error.what(), std::string(args[0]));
+  }
+  return options;
+}
+
+namespace {
+
+void ParseArguments(const std::vector<std::string_view>& args, Options& options) {
   std::vector<std::string_view> files;
   bool options_ended = false;
   for (std::size_t i = 1; i < args.size(); ++i) {
@@ -226,7 +217,7 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
     }
     if (arg == "--help" || arg == "-h") {
       options.help = true;
-      return options;
+      return;
     }
     if (!arg.starts_with("--")) throw UsageError("unknown option \"" + std::string(arg) + "\"");
     std::string_view name = arg.substr(2);
@@ -246,17 +237,24 @@ Options ParseCommandLine(const std::vector<std::string_view>& args) {
     rule.apply(options, value.value_or(""));
   }
   if (options.db && options.postgres) throw UsageError("--db and --postgres exclude each other");
+  if (options.names) {
+    if (!files.empty()) throw UsageError("clauses --names takes no FILE");
+    return;
+  }
   if (files.empty()) throw UsageError("missing FILE");
   if (files.size() > 1) throw UsageError("more than one FILE: \"" + std::string(files[1]) + "\"");
   options.file = std::string(files[0]);
-  return options;
 }
+
+}  // namespace
 
 std::int32_t ParseLongValue(std::string_view option, std::string_view text, std::int32_t low,
                             std::int32_t high) {
   return ParseInteger<std::int32_t>(option, text, low, high);
 }
 
-std::string_view UsageText() { return kUsage; }
+std::string_view CommandName(Command command) {
+  return kCommandNames[static_cast<std::size_t>(command)];
+}
 
 }  // namespace brix::brixq

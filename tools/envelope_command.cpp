@@ -5,6 +5,7 @@
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
+#include "tools/brixq_errors.h"
 #include "tools/command_line.h"
 
 namespace brix::brixq {
@@ -58,7 +59,7 @@ std::string ValueLine(Read read) {
     const Variant value = read();
     return TypeCodeName(value) + " " + Shown(value);
   } catch (const Error& error) {
-    return "(" + error.Description() + ", error " + std::to_string(error.Number()) + ")";
+    return "(" + error.Description() + ", error " + ErrorNumberText(error.Number()) + ")";
   }
 }
 
@@ -77,7 +78,8 @@ EnvelopeOptions ParseEnvelopeCommandLine(const std::vector<std::string_view>& ar
     } else if (arg == "--compressed") {
       options.compressed = true;
     } else if (arg.starts_with("--")) {
-      throw UsageError("unknown option \"" + std::string(arg) + "\" for envelope");
+      throw UsageError("unknown option \"" + std::string(arg) + "\" for envelope" +
+                       (arg.starts_with("--c") ? " (did you mean --compressed?)" : ""));
     } else if (!options.file.empty()) {
       throw UsageError("envelope takes one FILE, not also \"" + std::string(arg) + "\"");
     } else {

@@ -1,9 +1,12 @@
 // The brixq commands over the public query API.
 #include "tools/query_commands.h"
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <vector>
 
+#include "querybuilder/clause_catalogue.h"
 #include "querybuilder/tree_walk.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
@@ -94,13 +97,14 @@ std::string StatementText(const Options& options, const ParameterizedStatement& 
 }
 
 std::string Parameterized(const Options& options, const xqb_Query& query) {
-  StatementOptions statement = StatementOptionsOf(options, options.dialect.value_or(SqlDialect::kSQLite));
+  StatementOptions statement =
+      StatementOptionsOf(options, options.dialect.value_or(SqlDialect::kSQLite));
   if (options.command == Command::kSql) {
     return StatementText(options, query.ReturnParameterizedSQL(statement));
   }
-  return StatementText(options, query.ReturnParameterizedWHERE(
-                                    statement, !options.qualified,
-                                    TableByKey(query, options.table), options.joins));
+  return StatementText(
+      options, query.ReturnParameterizedWHERE(statement, !options.qualified,
+                                              TableByKey(query, options.table), options.joins));
 }
 
 ResultTable Run(const Options& options, const xqb_Query& query) {
@@ -108,8 +112,9 @@ ResultTable Run(const Options& options, const xqb_Query& query) {
     return RunOnPostgres(*options.postgres, query.ReturnParameterizedSQL(StatementOptionsOf(
                                                 options, SqlDialect::kPostgreSQL)));
   }
-  return RunOnSqlite(options.db ? *options.db : DefaultDatabasePath(),
-                     query.ReturnParameterizedSQL(StatementOptionsOf(options, SqlDialect::kSQLite)));
+  return RunOnSqlite(
+      options.db ? *options.db : DefaultDatabasePath(),
+      query.ReturnParameterizedSQL(StatementOptionsOf(options, SqlDialect::kSQLite)));
 }
 
 std::string CommandText(const Options& options, const xqb_Query& query) {
@@ -131,25 +136,114 @@ std::string CommandText(const Options& options, const xqb_Query& query) {
     case Command::kRun:
       return FormatTable(Run(options, query));
     case Command::kSave:
+    case Command::kCheck:
+    case Command::kParams:
       break;
   }
   return {};
 }
 
+// Each --param must name a parameter condition: AddParamValues alone would ignore a typo.
+void CheckParamNames(const Options& options, const xqb_Query& query) {
+  const std::vector<std::string> names = query.ParameterNames();
+  for (const ParamValues& param : options.params) {
+    if (std::find(names.begin(), names.end(), param.name) != names.end()) continue;
+    std::string known;
+    for (const std::string& name : names) known += (known.empty() ? "" : ", ") + name;
+    Raise(kErrNoSuchParameter, "brixq",
+          "--param " + param.name + ": the definition has no parameter condition named \"" +
+              param.name + "\" (" +
+              (known.empty() ? "it has none" : "letter case counts; it has " + known) + ")");
+  }
+}
+
+bool ReportsProblems(Command command) {
+  return command == Command::kSql || command == Command::kWhere || command == Command::kRun;
+}
+
 }  // namespace
 
-std::string RunCommand(const Options& options) {
+std::string ClauseNames() {
+  static constexpr std::array<std::string_view, 32> kNames = {"qbe_ClauseBetween",
+                                                              "qbe_ClauseContains",
+                                                              "qbe_ClauseEqualTo",
+                                                              "qbe_ClauseGreaterOrEqual",
+                                                              "qbe_ClauseGreaterThan",
+                                                              "qbe_ClauseIsEmpty",
+                                                              "qbe_ClauseIsNull",
+                                                              "qbe_ClauseLessOrEqual",
+                                                              "qbe_ClauseLessThan",
+                                                              "qbe_ClauseNotContains",
+                                                              "qbe_ClauseNotEqual",
+                                                              "qbe_ClauseNotStartingWith",
+                                                              "qbe_ClauseStartingWith",
+                                                              "qbe_ClauseToday",
+                                                              "qbe_ClauseThisWeek",
+                                                              "qbe_ClauseThisMonth",
+                                                              "qbe_ClauseInList",
+                                                              "qbe_ClauseLastXDays",
+                                                              "qbe_ClauseNotInList",
+                                                              "qbe_ClauseNotIsEmpty",
+                                                              "qbe_ClauseLastXMonths",
+                                                              "qbe_ClauseThisYear",
+                                                              "qbe_ClauseYear",
+                                                              "qbe_ClauseLastXYears",
+                                                              "qbe_ClauseContainsWordsNear",
+                                                              "qbe_ClauseContainsWords",
+                                                              "qbe_ClauseContainsExpression",
+                                                              "qbe_ClauseNextXDays",
+                                                              "qbe_ClauseOverXDays",
+                                                              "qbe_ClauseTimeNow",
+                                                              "qbe_ClauseTimeGreaterThanNow",
+                                                              "qbe_ClauseTimeLessThanNow"};
+  std::string text;
+  for (std::size_t i = 0; i < kNames.size(); ++i) {
+    const auto clause = static_cast<qbe_ClauseOperator>(i + 1);
+    text += std::to_string(clause) + "\t" + std::string(kNames[i]) + "\t" +
+            ClauseDescription(clause) + "\n";
+  }
+  return text;
+}
+
+CommandOutput RunCommand(const Options& options, std::ostream& diagnostics) {
+  if (options.names) return {ClauseNames(), false};
   // Fixed before the query exists, so that its Today is the given day too.
   if (options.date) Clock::Set(std::make_shared<FixedClock>(*options.date));
   std::string document = ReadDefinition(options.file);
   auto query = xqb_Query::Create();
   query->LoadXMLDef(document);
+  CheckParamNames(options, *query);
   for (const ParamValues& param : options.params) {
     query->AddParamValues(param.name, ParamArray(param.values));
   }
+  CommandOutput output;
+  if (options.command == Command::kCheck || ReportsProblems(options.command)) {
+    const bool fails = options.command == Command::kCheck || options.strict;
+    std::vector<std::string> lines;
+    for (const QueryProblem& problem : query->Validate()) {
+      lines.push_back(problem.path + ": " + problem.message);
+    }
+    output.failed = fails && !lines.empty();
+    if (options.command == Command::kCheck) {
+      for (const std::string& line : lines) output.text += line + "\n";
+      return output;
+    }
+    for (const std::string& line : lines) {
+      diagnostics << (fails ? "brixq: " : "brixq: warning: ") << line << "\n";
+    }
+    if (output.failed) return output;
+  }
+  if (options.command == Command::kParams) {
+    for (const std::string& name : query->ParameterNames()) output.text += name + "\n";
+    return output;
+  }
   // The saved document ends in CR LF already; it is printed byte for byte as a host stores it.
-  if (options.command == Command::kSave) return query->SaveXMLDef();
-  return CommandText(options, *query) + "\n";
+  if (options.command == Command::kSave) {
+    output.text = query->SaveXMLDef();
+  } else {
+    output.text = CommandText(options, *query) + "\n";
+  }
+  return output;
 }
 
 }  // namespace brix::brixq

@@ -2,14 +2,18 @@
 #include "diagnostics/logger.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <stdexcept>
 
 #include "diagnostics/error_trace.h"
+#include "diagnostics/log_file.h"
+#include "diagnostics/syslog_identifier.h"
 #include "runtime/error_numbers.h"
 #include "tests/diagnostics/logger_fixture.h"
 #include "tests/support/expect_error.h"
@@ -179,6 +183,76 @@ TEST_F(LoggerTest, LogFileIsAppendedMadeWritableAndNeverRaises) {
     EXPECT_FALSE(NewLogger(eDebugModes{33}, path.string())->ErrReport(kError, 1)) << path;
   }
   EXPECT_FALSE(fs::exists(folder.path / "missing"));
+}
+
+// What stands at the log path is not trusted: a link is never followed (its target keeps its
+// text and mode, a dangling one creates nothing), a FIFO does not block, and a new log is made
+// for its user alone.
+TEST_F(LoggerTest, LogFileIsNeverReachedThroughALink) {
+  ScratchFolder folder;
+  const fs::path log = folder.path / "host.DBG";
+  const fs::path target = folder.path / "target";
+  struct Case {
+    const char* what;
+    std::function<void()> plant;
+    bool target_exists;
+  };
+  const std::vector<Case> cases = {
+      {"a link to a read-only file",
+       [&] {
+         std::ofstream(target) << "kept";
+         fs::permissions(target, fs::perms::owner_read);
+         fs::create_symlink(target, log);
+       },
+       true},
+      {"a dangling link", [&] { fs::create_symlink(target, log); }, false},
+      {"a FIFO", [&] { ASSERT_EQ(mkfifo(log.c_str(), 0600), 0); }, false},
+  };
+  for (const Case& c : cases) {
+    fs::remove(log);
+    fs::remove(target);
+    c.plant();
+    NewLogger(dbgToLogFile, log.string())->ErrReport(kError, 1);
+    EXPECT_EQ(fs::exists(target), c.target_exists) << c.what;
+    if (c.target_exists) {
+      EXPECT_EQ(ReadFile(target), "kept") << c.what;
+      EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read) << c.what;
+    }
+  }
+  fs::remove(log);
+  const mode_t old_mask = umask(0);  // the mode asked for, not what a mask leaves of it
+  NewLogger(dbgToLogFile, log.string())->ErrReport(kError, 1);
+  umask(old_mask);
+  EXPECT_EQ(fs::status(log).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(LogFile, DefaultFolderIsTheUsersStateFolderWhenTheProgramsIsNotWritable) {
+  struct Case {
+    bool writable;
+    const char* state_home;
+    const char* home;
+    const char* folder;
+  };
+  const std::vector<Case> cases = {
+      {true, "/s", "/h", "/usr/bin"},
+      {false, "/s", "/h", "/s"},
+      {false, "relative", "/h", "/h/.local/state"},  // only an absolute state folder counts
+      {false, nullptr, "/h", "/h/.local/state"},
+      {false, nullptr, nullptr, "/usr/bin"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(DefaultLogFolder("/usr/bin", c.writable, c.state_home, c.home), c.folder)
+        << c.writable << " " << (c.state_home ? c.state_home : "-");
+  }
+}
+
+TEST(SyslogIdentifier, KeepsEveryIdentifierItHandedOut) {
+  const char* first = SyslogIdentifier("brix first title");
+  const std::string longer(100, 'x');  // would move a reused buffer
+  const char* second = SyslogIdentifier(longer);
+  EXPECT_STREQ(first, "brix first title");
+  EXPECT_STREQ(second, longer.c_str());
+  EXPECT_EQ(SyslogIdentifier("brix first title"), first);
 }
 
 class ThrowingIdentity : public HostIdentity {

@@ -1,6 +1,6 @@
 // Statements run on real engines: every clause kind selects the expected rows through the
 // parameterized statement on SQLite and on a PostgreSQL server started for the tests, and through
-// the compatible text on SQLite; the samples agree on all three.
+// the compatible text on SQLite; the samples agree on all of them.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <unistd.h>
@@ -71,6 +71,8 @@ class Engines : public ::testing::Test {
     sqlite3_close(db);
     postgres_ = ReadFile(BRIX_POSTGRES_INFO_FILE);
     while (!postgres_.empty() && postgres_.back() == '\n') postgres_.pop_back();
+    // Later keywords of a connection string win over earlier ones.
+    postgres_legacy_ = postgres_ + " dbname=brix_legacy";
   }
 
   void SetUp() override { ASSERT_EQ(setup_error_, ""); }
@@ -85,6 +87,10 @@ class Engines : public ::testing::Test {
             {"PostgreSQL",
              [](const xqb_Query& q) {
                return brixq::RunOnPostgres(postgres_, Bound(q, SqlDialect::kPostgreSQL));
+             }},
+            {"PostgreSQL, standard_conforming_strings off",
+             [](const xqb_Query& q) {
+               return brixq::RunOnPostgres(postgres_legacy_, Bound(q, SqlDialect::kPostgreSQL));
              }},
             {kCompatible, [](const xqb_Query& q) {
                return brixq::RunOnSqlite(sqlite_path_, ParameterizedStatement{q.ReturnSQL(), {}});
@@ -117,11 +123,13 @@ class Engines : public ::testing::Test {
   static constexpr const char* kCompatible = "SQLite, compatible text";
   static std::string sqlite_path_;
   static std::string postgres_;
+  static std::string postgres_legacy_;
   static std::string setup_error_;
 };
 
 std::string Engines::sqlite_path_;
 std::string Engines::postgres_;
+std::string Engines::postgres_legacy_;
 std::string Engines::setup_error_;
 
 struct KindRow {
@@ -222,6 +230,24 @@ TEST_F(Engines, AwkwardOperandsAreValuesOnBoth) {
       if (!Reads(engine, *query, value)) continue;
       EXPECT_EQ(FirstColumn(engine, *query), "") << engine.name << ", " << value;
     }
+  }
+}
+
+// A field name that would turn a LIKE's escape literal into "... OR 1=1" where backslashes
+// escape quotes in string literals: the filter keeps its meaning on every engine.
+TEST_F(Engines, ALikeEscapeEndsWhereItIsWrittenOnEveryServerSetting) {
+  for (const Engine& engine : All()) {
+    if (engine.name == std::string_view(kCompatible)) continue;  // it writes names as stored
+    test_support::FieldRow id{"ID", qbe_DataNumeric};
+    id.sort = qbe_SortAscending;
+    auto query = BuildQuery({{"Guests", {id}}});
+    auto& table = *query->Tables()->Item(V("Guests"));
+    test_support::AddCondition(*test_support::AddField(table, "Name"), 1, qbe_ClauseContains,
+                               V("Ana"));
+    auto hostile = test_support::AddField(table, "x'::char OR 1=1) --");
+    hostile->SetUseInStatement(false);
+    test_support::AddCondition(*hostile, 2, qbe_ClauseEqualTo, V("a"));
+    EXPECT_EQ(FirstColumn(engine, *query), "1") << engine.name;
   }
 }
 

@@ -31,18 +31,30 @@ expect_output() {
 
 cmake --install "$build_dir" --prefix "$prefix" > "$work/install.log"
 
-# Every installed header compiles on its own (and twice in one file) in a host program.
+# Every installed header compiles on its own (and twice in one file) in a host program, and all of
+# them together in one file, in list order and reversed (no two headers declare the same thing).
 include_dir=$prefix/include/brixobjects4
-header_count=0
-while IFS= read -r header; do
+mapfile -t headers < "$build_dir/installed_headers.txt"
+compile() {
+  "$cxx" -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I"$include_dir" "$1"
+}
+for header in "${headers[@]}"; do
   printf '#include "%s"\n#include "%s"\nint main() {}\n' "$header" "$header" > "$work/one_header.cpp"
-  if ! "$cxx" -std=c++20 -fsyntax-only -Wall -Wextra -Werror -I"$include_dir" "$work/one_header.cpp"; then
+  if ! compile "$work/one_header.cpp"; then
     echo "the installed header $header does not compile on its own"
     exit 1
   fi
-  header_count=$((header_count + 1))
-done < <(cd "$include_dir" && find . -name '*.h' | sed 's|^\./||' | sort)
-echo "ok: each of the $header_count installed headers compiles on its own"
+done
+echo "ok: each of the ${#headers[@]} installed headers compiles on its own"
+for order in forward reverse; do
+  if [ "$order" = forward ]; then list=("${headers[@]}"); else mapfile -t list < <(printf '%s\n' "${headers[@]}" | tac); fi
+  { printf '#include "%s"\n' "${list[@]}"; echo 'int main() {}'; } > "$work/all_headers.cpp"
+  if ! compile "$work/all_headers.cpp"; then
+    echo "the installed headers do not compile together ($order order)"
+    exit 1
+  fi
+done
+echo "ok: the installed headers compile together in both orders"
 
 cmake -S "$consumer_source" -B "$work/consumer" -G "$generator" -DCMAKE_CXX_COMPILER="$cxx" \
       -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF > "$work/configure.log"

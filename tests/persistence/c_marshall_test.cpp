@@ -149,5 +149,22 @@ TEST(CMarshall, RefusesBytesCompressedUnderAnotherKeyAndGarbage) {
   EXPECT_EQ(Hex(kErrCannotUncompress), "80040207");
 }
 
+// A small compressed envelope may stand for millions of values: reading it is held to the
+// envelope's decoding limits, which Clear keeps.
+TEST(CMarshall, ReadingIsHeldToTheDecodingLimits) {
+  auto sender = PropertyBag::Create();  // an array under a type code that reads it
+  sender->WriteProperty("Items", Variant(VariantArray{std::vector<Variant>(100), 0}));
+  sender->WriteProperty("ItemsValueType", Variant(8192));
+  auto receiver = cMarshall::Create();
+  receiver->SetDecodeLimits({100, 1 << 20});
+  receiver->Clear();
+  receiver->SetContents(sender->Contents());
+  EXPECT_EQ(Outcome([&] { return receiver->ReadParam("Items"), std::string(); }),
+            "5 PropertyBag: Reading the property bag would build more than 100 values; "
+            "SetDecodeLimits raises the bound.");
+  receiver->SetDecodeLimits({101, 1 << 20});
+  EXPECT_EQ(receiver->ReadParam("Items").AsVariantArray().items.size(), 100u);
+}
+
 }  // namespace
 }  // namespace brix

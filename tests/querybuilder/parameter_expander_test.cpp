@@ -10,6 +10,7 @@
 #include "runtime/conversions.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/fresh_thread.h"
 #include "tests/support/query_tree.h"
 
 namespace brix {
@@ -17,6 +18,7 @@ namespace {
 
 using test_support::AddCondition;
 using test_support::BuildQuery;
+using test_support::OnFreshThread;
 using test_support::RaisesError;
 using V = Variant;
 using Texts = std::vector<std::string>;
@@ -72,34 +74,38 @@ TEST(ParameterExpander, AddsOneConditionPerValueAndReportsFailuresKeepingWhatWas
   };
   // clang-format on
   for (const auto& [values, held, reason, added] : cases) {
-    Sample sample;
-    // Equal value and secondary value: adding "dup" again is a duplicate.
-    if (held >= 0) AddCondition(*sample.field, held, kClause, V("dup"), V("dup"));
-    auto add = [&] { sample.query->AddParamValues("P", values); };
-    if (reason.empty()) {
-      EXPECT_NO_THROW(add());
-    } else {
-      EXPECT_TRUE(RaisesError(add, kErrAddParamValues,
-                              "[OrlaXML_qb].[xqb_Persistence].[AddParamValues]",
-                              "Couldn't add parameter!\r\nReason: " + reason));
-    }
-    EXPECT_EQ(sample.Added(), added) << reason;
-    for (const auto& condition : *sample.field->Conditions()) {
-      if (!condition->ParamName().empty() || held >= 0) continue;
-      EXPECT_EQ(ConcatText(condition->SecondaryValue()) + "|" + condition->Tag(),
-                "|ConditionFromParam");
-      EXPECT_TRUE(condition->Clause() == kClause && !condition->IsEditable());
-    }
+    OnFreshThread([&] {
+      Sample sample;
+      // Equal value and secondary value: adding "dup" again is a duplicate.
+      if (held >= 0) AddCondition(*sample.field, held, kClause, V("dup"), V("dup"));
+      auto add = [&] { sample.query->AddParamValues("P", values); };
+      if (reason.empty()) {
+        EXPECT_NO_THROW(add());
+      } else {
+        EXPECT_TRUE(RaisesError(add, kErrAddParamValues,
+                                "[OrlaXML_qb].[xqb_Persistence].[AddParamValues]",
+                                "Couldn't add parameter!\r\nReason: " + reason));
+      }
+      EXPECT_EQ(sample.Added(), added) << reason;
+      for (const auto& condition : *sample.field->Conditions()) {
+        if (!condition->ParamName().empty() || held >= 0) continue;
+        EXPECT_EQ(ConcatText(condition->SecondaryValue()) + "|" + condition->Tag(),
+                  "|ConditionFromParam");
+        EXPECT_TRUE(condition->Clause() == kClause && !condition->IsEditable());
+      }
+    });
   }
-  Sample sample;
-  sample.query->AddParamValues("p", Values({V("a")}));  // names are case-sensitive
-  sample.query->AddParamValues("Q", V("not an array"));
-  EXPECT_EQ(sample.Added(), Texts{});
-  sample.query->AddParamValues("P", Values({V("x"), V("y")}));
-  sample.query->Tables()->Remove(V(1));
-  EXPECT_EQ(sample.query->ReturnDTConditions(),
-            "((Emitent contains (x)) OR (Emitent contains (y)))");
-  EXPECT_EQ(sample.query->ReturnWHEREConditions(), "(Emitent LIKE '%x%' OR Emitent LIKE '%y%')");
+  OnFreshThread([] {
+    Sample sample;
+    sample.query->AddParamValues("p", Values({V("a")}));  // names are case-sensitive
+    sample.query->AddParamValues("Q", V("not an array"));
+    EXPECT_EQ(sample.Added(), Texts{});
+    sample.query->AddParamValues("P", Values({V("x"), V("y")}));
+    sample.query->Tables()->Remove(V(1));
+    EXPECT_EQ(sample.query->ReturnDTConditions(),
+              "((Emitent contains (x)) OR (Emitent contains (y)))");
+    EXPECT_EQ(sample.query->ReturnWHEREConditions(), "(Emitent LIKE '%x%' OR Emitent LIKE '%y%')");
+  });
 }
 
 }  // namespace

@@ -213,7 +213,7 @@ TEST(ParameterizedWhere, FullTextKindDropsTheParametersItsFieldWrote) {
 TEST(ParameterizedWhere, PostgreSQLNumbersWithDollarsAndIgnoresCaseInLike) {
   std::vector<TableRow> tables = {{"T", {{"F", S, {{K(3), V("a")}, {K(2), V("b")}}}}}};
   EXPECT_EQ(Where(tables, SqlDialect::kPostgreSQL),
-            "(\"F\" = $1 OR \"F\" ILIKE $2 ESCAPE '\\') ; text:a | text:%b%");
+            "(\"F\" = $1 OR \"F\" ILIKE $2 ESCAPE E'\\\\') ; text:a | text:%b%");
 }
 
 // Operands that could end a literal or a pattern, for the property below.

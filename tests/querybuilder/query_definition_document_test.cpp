@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "persistence/xml_prop_bag.h"
+#include "querybuilder/regular_definition_reader.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
@@ -123,10 +124,10 @@ TEST(QueryDefinitionDocument, LoadRulesAndWrappedFailures) {
       // A missing or empty clause list gives the defaults of the field's type.
       {FieldDocument("<ShowAsType>5</ShowAsType>"),            " 1 [T |1|3|4|5|8|9|11|17|19|6|20|]"},
       {FieldDocument("<ShowAsType>2</ShowAsType><AvailableClauses/>"), " 1 [T |3|]"},
-      {QueryDocument("<TablesCount>many</TablesCount>"),       load + "Type mismatch"},
-      {QueryDocument("<TablesCount>3000000000</TablesCount>"), load + "Overflow"},
-      {FieldDocument("<OrderByLevel>40000</OrderByLevel>"),    load + "Overflow"},
-      {QueryDocument("<QueryName vartype=\"null\"/>"),         load + "Invalid use of Null"},
+      {QueryDocument("<TablesCount>many</TablesCount>"),       load + "Type mismatch: TablesCount of xqb_Query (line 1) is \"many\""},
+      {QueryDocument("<TablesCount>3000000000</TablesCount>"), load + "Overflow: TablesCount of xqb_Query (line 1) is \"3000000000\""},
+      {FieldDocument("<OrderByLevel>40000</OrderByLevel>"),    load + "Overflow: OrderByLevel of xqb_Query/Table1/Field1 (line 1) is \"40000\""},
+      {QueryDocument("<QueryName vartype=\"null\"/>"),         load + "Invalid use of Null: QueryName of xqb_Query (line 1)"},
       {QueryDocument("<TablesCount>2000000000</TablesCount>"), load + "A table with this name already exists!"},
       {"<PropertyBag><xqb_Query>",                             load + "Start-end tags mismatch at line 1, column 24."},
       {QueryDocument("<TablesCount>1</TablesCount>" + Child("Table", "<FieldsCount>2</FieldsCount>" + Child("Field", "<DBName>F</DBName>") + Child("Field", "<DBName>F</DBName>", 2))),
@@ -149,9 +150,11 @@ TEST(QueryDefinitionDocument, LoadRulesAndWrappedFailures) {
 namespace brix {
 namespace {
 
-// A load holds a document to its bounds on both reading paths: the usual shape, and one that
-// the bag reads (a property written twice makes it irregular).
+// A load holds a document to its bounds on every reading path: the usual shape, one that the
+// bag reads (a property written twice makes it irregular), and a bag read by a host itself. The
+// direct reading ends at the bound instead of handing the document to the bag.
 TEST(QueryDefinitionDocument, LoadsHoldDocumentsToTheirBounds) {
+  using namespace std::string_literals;
   auto source = xqb_Query::Create();
   source->SetQueryName(std::string(100, 'n'));  // the longest value
   auto field = source->Tables()->Add("T")->Fields()->Add("F");
@@ -159,31 +162,57 @@ TEST(QueryDefinitionDocument, LoadsHoldDocumentsToTheirBounds) {
   const std::string regular = source->SaveXMLDef();
   std::string irregular = regular;
   irregular.insert(irregular.find("<QueryName>"), "<Tag>x</Tag>");
+  std::string claimed = regular;  // a count that claims what the document does not hold
+  claimed.replace(claimed.find("<ConditionsCount>4"), 18, "<ConditionsCount>5");
   const std::string load = std::to_string(kErrLoadXMLDef) +
                            " [OrlaXML_qb].[xqb_Persistence].[LoadXMLDef]: Couldn't load xml query "
                            "definition!\r\n";
+  const std::string bag = std::to_string(kErrLoadLimit) + " brixobjects4.kelpXMLPBag: ";
+  const std::string objects =
+      "The document holds more than 5 objects (tables, fields and conditions); SetLoadLimits "
+      "raises the bound.";
+  std::string objects6 = objects;
+  objects6.replace(objects6.find('5'), 1, "6");
+  const std::string value =
+      "A value of 100 bytes is longer than the 99 a document may hold; SetLoadLimits raises the "
+      "bound.";
   struct Case {
-    std::int64_t max_objects, max_value_length;
-    std::string expected;
+    const std::string& document;
+    xqb_LoadLimits limits;
+    std::string loaded, restored, direct;  // LoadXMLDef, RestoreState, the direct reading
   };
   const std::vector<Case> cases = {
-      {6, 100, "loaded"},  // one table, one field, four conditions
-      {5, 100,
-       load + "The definition holds more than 5 objects (tables, fields and conditions); "
-              "SetLoadLimits raises the bound."},
-      {6, 99,
-       load + "A value of 100 bytes is longer than the 99 a definition may hold; "
-              "SetLoadLimits raises the bound."},
+      // one table, one field, four conditions
+      {regular, {6, 100}, "loaded", "loaded", "read"},
+      {regular, {5, 100}, load + objects, bag + objects, bag + objects},
+      {regular, {6, 99}, load + value, bag + value, bag + value},
+      {irregular, {6, 100}, "loaded", "loaded", "not read"},
+      {irregular, {5, 100}, load + objects, bag + objects, "not read"},
+      {irregular, {6, 99}, load + value, bag + value, "not read"},
+      {claimed, {7, 100}, "loaded", "loaded", "read"},
+      {claimed, {6, 100}, load + objects6, bag + objects6, bag + objects6},
   };
-  for (const std::string& document : {regular, irregular}) {
-    for (const Case& c : cases) {
-      auto query = xqb_Query::Create();
-      query->SetLoadLimits({c.max_objects, c.max_value_length});
-      EXPECT_EQ(
-          test_support::Outcome([&] { return query->LoadXMLDef(document), std::string("loaded"); }),
-          c.expected)
-          << c.max_objects << " " << c.max_value_length;
-    }
+  for (const Case& c : cases) {
+    const std::string shown = std::to_string(c.limits.MaxObjects) + " " +
+                              std::to_string(c.limits.MaxValueLength) + " " +
+                              c.document.substr(c.document.find("Count>"), 8);
+    auto query = xqb_Query::Create();
+    query->SetLoadLimits(c.limits);
+    EXPECT_EQ(test_support::Outcome([&] { return query->LoadXMLDef(c.document), "loaded"s; }),
+              c.loaded)
+        << shown;
+    auto reader = XMLPropBag::Create();
+    reader->SetLoadLimits(c.limits);
+    reader->SetContents(c.document);
+    EXPECT_EQ(test_support::Outcome([&] { return reader->RestoreState(query.get()), "loaded"s; }),
+              c.restored)
+        << shown;
+    XMLReadBudget budget(c.limits);
+    EXPECT_EQ(test_support::Outcome([&] {
+                return ReadRegularDefinition(c.document, *query, budget) ? "read"s : "not read"s;
+              }),
+              c.direct)
+        << shown;
   }
 }
 

@@ -4,12 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "persistence/xml_prop_bag.h"
+#include "persistence/xml_text_decoder.h"
 #include "runtime/error.h"
+#include "runtime/error_numbers.h"
 #include "tests/support/random_query.h"
 
 namespace brix {
@@ -58,7 +62,8 @@ Outcome ThroughLoad(const std::string& text) {
 
 bool ReadsDirectly(const std::string& text) {
   auto query = xqb_Query::Create();
-  return ReadRegularDefinition(text, *query);
+  XMLReadBudget budget;
+  return ReadRegularDefinition(text, *query, budget);
 }
 
 struct Edit {
@@ -126,6 +131,11 @@ const std::vector<Edit> kEdits = {
     {"a second attribute on a condition",
      {{"name=\"Condition1\"", "name=\"Condition1\" x=\"\""}},
      false},
+    {"a repeated attribute on the query",
+     {{"<xqb_Query name=", "<xqb_Query name='x' name="}},
+     false},
+    {"a repeated attribute on the bag", {{"<PropertyBag>", "<PropertyBag a='' a=''>"}}, false},
+    {"a repeated attribute on a value", {{"<Value>", "<Value vartype='' vartype=''>"}}, false},
     {"a marker written by reference", {{"<Value>", "<Value vartype=\"&#78;ull\">"}}, false},
     {"an end tag that does not match", {{"</Clause>", "</Claus>"}}, false},
     {"a document cut short", {{"</xqb_Query></PropertyBag>", "</xqb_Query>"}}, false},
@@ -170,6 +180,82 @@ TEST(RegularDefinitionReader, EditedDocumentsLoadAsThroughTheBag) {
     }
     EXPECT_GT(tried, 0) << edit.what << " never applied";
   }
+}
+
+// Text that is not XML is refused at its place whichever way it is read, though the parser
+// would take it. Each edit of a saved sample: what it replaces, with what, the text where the
+// fault begins and the reason.
+TEST(RegularDefinitionReader, TextThatIsNotXmlIsRefusedAtItsPlaceBothWays) {
+  std::ifstream in(std::string(BRIX_TEST_DATA_DIR) + "/query_definition.xml", std::ios::binary);
+  const std::string sample{std::istreambuf_iterator<char>(in), {}};
+  const std::string tag = "<Tag>q-tag", bag = "<PropertyBag>", end = "</PropertyBag>";
+  const std::string decl = "<?xml version=\"1.0\"?>";
+  const std::string not_reference = "\" is not a reference XML defines (write \"&amp;\" for \"&\")";
+  const std::string misplaced =
+      "The XML declaration is allowed only once, at the very start of the document";
+  const std::string doctype = "A DOCTYPE is allowed only once, before the document element";
+  const std::string not_allowed = "A character XML does not allow was found";
+  struct Case {
+    std::string from, to, fault, reason;
+  };
+  // clang-format off
+  const std::vector<Case> cases = {
+      {tag, "<Tag>q & tag",        "& tag",     "\"&" + not_reference},
+      {tag, "<Tag>q-tag&",         "&</Tag>",   "\"&" + not_reference},
+      {tag, "<Tag>&nbsp;",         "&nbsp;",    "\"&nbsp;" + not_reference},
+      {tag, "<Tag>&#X41;",         "&#X41;",    "\"&#X41;" + not_reference},
+      {tag, "<Tag>&#;",            "&#;",       "\"&#;" + not_reference},
+      {tag, "<Tag>&#12a;",         "&#12a;",    "\"&#12a;" + not_reference},
+      {tag, "<Tag>&#x;",           "&#x;",      "\"&#x;" + not_reference},
+      {tag, "<Tag>&AMP;",          "&AMP;",     "\"&AMP;" + not_reference},
+      {tag, "<Tag>&amp q;",        "&amp q;",   "\"&amp" + not_reference},
+      {tag, "<Tag>a]]>b",          "]]>b",      "\"]]>\" is not allowed in text"},
+      {tag, "<Tag>a<![CDATA[x]]>]]>", "]]></",  "\"]]>\" is not allowed in text"},
+      {"name=\"Facturi", "name=\"a<b", "<b",    "\"<\" is not allowed in an attribute value"},
+      {"name=\"Facturi", "name=\"a & b", "& b", "\"&" + not_reference},
+      {"name=\"Facturi", "name=\"&nbsp;", "&nbsp;", "\"&nbsp;" + not_reference},
+      {"name=\"Table1", "name=\"Table&1", "&1",  "\"&1" + not_reference},
+      {bag, "<PropertyBag a=\"<\">", "<\">",     "\"<\" is not allowed in an attribute value"},
+      {tag, "<Tag><!-- a -- b -->q-tag", "-- b", "\"--\" is not allowed inside a comment"},
+      {tag, "<Tag><!-- a --->q-tag", "--->",     "\"--\" is not allowed inside a comment"},
+      {bag, " " + decl + bag,      "<?xml",     misplaced},
+      {bag, decl + decl + bag,     decl + bag,  misplaced},
+      {tag, "<Tag>" + decl + "q",  "<?xml",     misplaced},
+      {end, end + decl,            "<?xml",     misplaced},
+      {bag, "<?XML version=\"1.0\"?>" + bag, "<?XML", misplaced},
+      {bag, "<?xml encoding=\"UTF-8\"?>" + bag, "encoding", "The XML declaration must begin with its version"},
+      {tag, "<Tag><!DOCTYPE x>",   "<!DOCTYPE", doctype},
+      {bag, "<!DOCTYPE x><!DOCTYPE x>" + bag, "<!DOCTYPE x><P", doctype},
+      {end, end + "<!DOCTYPE x>",  "<!DOCTYPE", doctype},
+      {bag, "<!ELEMENT x ANY>" + bag, "<!ELEMENT", "Markup declarations are allowed only inside a DOCTYPE"},
+      {"<Tag>q-tag</Tag>", "<T\xC3\x97g>q</T\xC3\x97g>", "\xC3\x97g>", "The element name \"T\xC3\x97g\" holds a character that XML names may not hold"},
+      {tag, "<1a/>" + tag,         "1a/>",      "The element name \"1a\" holds a character that XML names may not hold"},
+      {tag, "<Tag a\xC3\x97=\"1\">q-tag", "\xC3\x97=", "The attribute name \"a\xC3\x97\" holds a character that XML names may not hold"},
+      {tag, "<Tag>q\xEF\xBF\xBE",  "\xEF\xBF\xBE", not_allowed},
+      {tag, "<Tag>q\xEF\xBF\xBF",  "\xEF\xBF\xBF", not_allowed},
+      {tag, "<Tag>&#xFFFE;",       "&#xFFFE;",  "The character reference &#xFFFE; stands for a character XML does not allow"},
+      {tag, "<Tag>&#65535;",       "&#65535;",  "The character reference &#65535; stands for a character XML does not allow"},
+  };
+  // clang-format on
+  for (const Case& c : cases) {
+    std::string edited = sample;
+    ASSERT_NE(edited.find(c.from), std::string::npos) << c.from;
+    edited.replace(edited.find(c.from), c.from.size(), c.to);
+    const std::string reason = c.reason + Location(edited, edited.find(c.fault));
+    EXPECT_EQ(ThroughBag(edited), (Outcome{false, {}, kErrInvalidXMLFile, reason})) << c.to;
+    EXPECT_EQ(
+        ThroughLoad(edited),
+        (Outcome{false, {}, kErrLoadXMLDef, "Couldn't load xml query definition!\r\n" + reason}))
+        << c.to;
+  }
+  // The control characters the bag writes as references read back.
+  auto query = xqb_Query::Create();
+  std::string controls;
+  for (char c = 1; c < 32; ++c) controls += c;
+  query->SetQueryName(controls);
+  const std::string saved = query->SaveXMLDef();
+  EXPECT_NE(saved.find("&#1;"), std::string::npos);
+  EXPECT_EQ(ThroughLoad(saved).saved, saved);
 }
 
 TEST(RegularDefinitionReader, ALoadThatFailsPartWayLeavesTheQueryAsItWas) {

@@ -13,12 +13,14 @@
 #include "runtime/clock.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/fresh_thread.h"
 #include "tests/support/query_tree.h"
 
 namespace brix {
 namespace {
 
 using test_support::MakeCondition;
+using test_support::OnFreshThread;
 using test_support::RaisesError;
 using test_support::RaisesRuntimeError;
 using V = Variant;
@@ -99,18 +101,20 @@ TEST(ConditionExists, ComparesStoredSecondaryValueWithGivenValueAndRaisesInPosit
 
 TEST(XqbConditions, AddRefusesDuplicatesAndKeysByTheDecimalIdentity) {
   ScopedClock noon(45000.5);
-  auto conditions = xqb_Conditions::Create();
-  auto added = conditions->Add(qbe_ClauseBetween, V(1), V(9));
-  EXPECT_EQ(conditions->Item(V("9229")), added);  // the first identity drawn at noon
-  EXPECT_EQ(added->SecondaryValue().AsLong(), 9);
-  conditions->Add(EQ, V(5));
-  conditions->Add(EQ, V(5));  // the stored "" differs from 5: accepted
-  conditions->Add(EQ);
-  EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(EQ); }));
-  EXPECT_TRUE(RaisesDuplicate([&] { conditions->AddObjectCondition(MakeCondition(77, EQ)); }));
-  EXPECT_TRUE(RaisesRuntimeError([&] { conditions->AddObjectCondition(nullptr); },
-                                 kErrObjectVariableNotSet));
-  EXPECT_EQ(conditions->Count(), 4);
+  OnFreshThread([] {
+    auto conditions = xqb_Conditions::Create();
+    auto added = conditions->Add(qbe_ClauseBetween, V(1), V(9));
+    EXPECT_EQ(conditions->Item(V("9229")), added);  // the first identity drawn at noon
+    EXPECT_EQ(added->SecondaryValue().AsLong(), 9);
+    conditions->Add(EQ, V(5));
+    conditions->Add(EQ, V(5));  // the stored "" differs from 5: accepted
+    conditions->Add(EQ);
+    EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(EQ); }));
+    EXPECT_TRUE(RaisesDuplicate([&] { conditions->AddObjectCondition(MakeCondition(77, EQ)); }));
+    EXPECT_TRUE(RaisesRuntimeError([&] { conditions->AddObjectCondition(nullptr); },
+                                   kErrObjectVariableNotSet));
+    EXPECT_EQ(conditions->Count(), 4);
+  });
 }
 
 TEST(ConditionIndex, FollowsChangesRemovalsAndClear) {

@@ -8,25 +8,29 @@
 #include "runtime/clock.h"
 #include "runtime/error_numbers.h"
 #include "tests/support/expect_error.h"
+#include "tests/support/fresh_thread.h"
 
 namespace brix {
 namespace {
 
+using test_support::OnFreshThread;
 using test_support::RaisesRuntimeError;
 
 TEST(XqbModule, RndAndIdentitiesFollowThePlatformSequence) {
-  std::uint32_t state = xqb_Module::kRndInitialState;
-  EXPECT_FLOAT_EQ(xqb_Module::Rnd(state), 0.7055475f);
-  EXPECT_FLOAT_EQ(xqb_Module::Rnd(state), 0.533424f);
-  EXPECT_FLOAT_EQ(xqb_Module::Rnd(state), 0.5795186f);
+  OnFreshThread([] {
+    EXPECT_FLOAT_EQ(xqb_Module::Rnd(), 0.7055475f);
+    EXPECT_FLOAT_EQ(xqb_Module::Rnd(), 0.533424f);
+    EXPECT_FLOAT_EQ(xqb_Module::Rnd(), 0.5795186f);
+  });
   using Ids = std::vector<std::int32_t>;
   // At Timer 43200 and at Timer 0.
   for (const auto& [serial, expected] :
        {std::pair{45000.5, Ids{9229, 4837, 2723}}, std::pair{45000.0, Ids{1831, 7440, 7060}}}) {
     ScopedClock clock(serial);
     Ids drawn;
-    std::uint32_t state = xqb_Module::kRndInitialState;
-    for (int i = 0; i < 3; ++i) drawn.push_back(xqb_Module::RandomNumber(state, 0, 10000));
+    OnFreshThread([&] {
+      for (int i = 0; i < 3; ++i) drawn.push_back(xqb_Module::RandomNumber(0, 10000));
+    });
     EXPECT_EQ(drawn, expected) << serial;
   }
 }
@@ -44,17 +48,15 @@ TEST(XqbModule, BoundsRule) {
       {-5, 5,     -5, 5},
   };
   // clang-format on
-  std::uint32_t state = xqb_Module::kRndInitialState;
   for (double seconds = 0; seconds < 86400; seconds += 0.997) {
     ScopedClock clock(45000 + seconds / 86400);
     for (const auto& [low, high, min, max] : cases) {
-      std::int32_t n = xqb_Module::RandomNumber(state, low, high);
+      std::int32_t n = xqb_Module::RandomNumber(low, high);
       ASSERT_TRUE(n >= min && n <= max) << low << ".." << high << " at " << seconds << ": " << n;
     }
   }
   for (const auto& [low, high] : {std::pair{0, -kMax - 1}, {-1, kMax}, {kMax, -1}}) {
-    EXPECT_TRUE(
-        RaisesRuntimeError([&] { xqb_Module::RandomNumber(state, low, high); }, kErrOverflow));
+    EXPECT_TRUE(RaisesRuntimeError([&] { xqb_Module::RandomNumber(low, high); }, kErrOverflow));
   }
 }
 

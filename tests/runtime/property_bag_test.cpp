@@ -197,5 +197,49 @@ TEST(PropertyBag, RefusesDamagedBytesAtTheirPlaceAndKeepsItsValues) {
             damaged + "values nest too deeply at byte 398.");
 }
 
+// What a read builds is held to the bag's limits, counted before it is allocated: values
+// (array items and the entries of nested objects included) and memory.
+TEST(PropertyBag, ReadsBuildNoMoreThanTheirLimits) {
+  auto empties = [](std::size_t count) {
+    return Variant(VariantArray{std::vector<Variant>(count), 0});
+  };
+  const std::string refused = "5 PropertyBag: Reading the property bag would build more than ";
+  const std::string raise = "; SetDecodeLimits raises the bound.";
+  const std::int64_t mb = 1 << 20;
+  auto pair = Pair::Create();
+  pair->first = empties(9);
+  const Variant object(std::static_pointer_cast<Object>(pair));
+  struct Case {
+    const char* what;
+    Variant value;
+    PropertyBagLimits limits;
+    std::string expected;
+  };
+  // clang-format off
+  const std::vector<Case> cases = {
+      {"items at the bound",      empties(9),         {10, mb},   "read"},
+      {"items past the bound",    empties(10),        {10, mb},   refused + "10 values" + raise},
+      {"text at the bound",       Variant(std::string(1000, 'x')), {10, 1200}, "read"},
+      {"an entry past the bound", Variant(std::string(1000, 'x')), {10, 1100}, refused + "1100 bytes of memory" + raise},
+      // The object and its two entries, then First (an array of 9) and Second as it reads them.
+      {"an object's reads at the bound",   object, {14, mb}, "read"},
+      {"an object's reads past the bound", object, {13, mb}, refused + "13 values" + raise},
+      {"the defaults",            empties(4'000'000),  {},        refused + "4000000 values" + raise},
+  };
+  // clang-format on
+  for (const Case& c : cases) {
+    auto writer = PropertyBag::Create();
+    writer->WriteProperty("a", c.value);
+    auto reader = PropertyBag::Create();
+    reader->SetDecodeLimits(c.limits);
+    EXPECT_EQ(Outcome([&] {
+                reader->SetContents(writer->Contents());
+                return reader->ReadProperty("a"), std::string("read");
+              }),
+              c.expected)
+        << c.what;
+  }
+}
+
 }  // namespace
 }  // namespace brix

@@ -4,11 +4,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "persistence/c_marshall.h"
@@ -67,7 +69,7 @@ const std::string kLegalFilter =
 // The parameterized filter of the orders on PostgreSQL, one line per parameter.
 const std::string kOrdersPostgresWhere =
     "(\"City\" IN ($1, $2)) AND (\"Order Day\" BETWEEN $3 AND $4) AND (\"Quantity\" >= $5) AND "
-    "(\"Status\" = $6 OR \"Status\" ILIKE $7 ESCAPE '\\')\n$1 text Cluj\n$2 text Iasi\n"
+    "(\"Status\" = $6 OR \"Status\" ILIKE $7 ESCAPE E'\\\\')\n$1 text Cluj\n$2 text Iasi\n"
     "$3 date 2024-03-01\n$4 date 2024-03-31\n$5 integer 2\n$6 text livrata\n$7 text in %\n";
 const std::string kTopRange = "--top needs a whole number from 0 to 2147483647, not ";
 const std::string kDateForm = "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, not ";
@@ -75,7 +77,9 @@ const std::string kDateForm = "--date needs YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS, n
 // A definition whose one condition is "the time now", which shows the clock's time of day.
 std::string TimeNowDefinition() {
   auto query = xqb_Query::Create();
-  query->Tables()->Add("Visits")->Fields()->Add("Start")->Conditions()->Add(qbe_ClauseTimeNow);
+  auto start = query->Tables()->Add("Visits")->Fields()->Add("Start");
+  start->SetShowAsType(qbe_DataTime);
+  start->Conditions()->Add(qbe_ClauseTimeNow);
   return query->SaveXMLDef();
 }
 
@@ -83,19 +87,31 @@ struct Case {
   std::vector<std::string> args;
   int status;
   std::string out;
-  std::string err = "";    // the message after "brixq: "; after a status 2 the usage text follows
+  std::string err = "";    // the message after "brixq: "; after a status 2 the help hint follows
   std::string input = "";  // standard input
+  bool warns = false;      // standard error holds warnings, not checked here
 };
 
+// The line after a usage error: the help of the command named, or the overview.
+std::string HelpHint(const std::vector<std::string>& args) {
+  static const std::vector<std::string> kCommands = {"sql",     "where", "dt",    "describe",
+                                                     "clauses", "save",  "run",   "check",
+                                                     "params",  "b64",   "envelope"};
+  if (args.empty() || std::find(kCommands.begin(), kCommands.end(), args[0]) == kCommands.end()) {
+    return "see brixq --help\n";
+  }
+  return "see brixq " + args[0] + " --help\n";
+}
+
 void ExpectRuns(const std::vector<Case>& cases) {
-  const std::string usage = RunBrixq({"--help"}).out;
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.args));
     Outcome outcome = RunBrixq(c.args, c.input);
     EXPECT_EQ(outcome.status, c.status);
     EXPECT_EQ(outcome.out, c.out);
+    if (c.warns) continue;
     std::string err =
-        c.err.empty() ? "" : "brixq: " + c.err + (c.status == 2 ? "\n\n" + usage : "\n");
+        c.err.empty() ? "" : "brixq: " + c.err + "\n" + (c.status == 2 ? HelpHint(c.args) : "");
     EXPECT_EQ(outcome.err, err);
   }
 }
@@ -131,7 +147,7 @@ TEST(Brixq, PrintsWhatTheLibraryMakesOfTheSamples) {
       // The parameter condition itself writes nothing; each value becomes a condition.
       {{"where", kParams},                     0, "\n"},
       {{"where", "--param", "Oras=Cluj,,Iasi", kParams}, 0, "(City = 'Cluj' OR City = 'Iasi')\n"},
-      {{"where", "--param", "Oras=Cluj", "--param", "Oras=Iasi", "--param", "Other=x", kParams}, 0,
+      {{"where", "--param", "Oras=Cluj", "--param", "Oras=Iasi", kParams}, 0,
        "(City = 'Cluj' OR City = 'Iasi')\n"},
       {{"where", "--dialect", "postgresql", kOrders}, 0, kOrdersPostgresWhere},
       {{"where", "--json", "--table", "Customers", kOrders}, 0,
@@ -256,9 +272,9 @@ TEST(Brixq, ReadsDateOperandsOfALoadedDefinition) {
       "(Data_vigoare contains (12-Nov-2017)))";
   ExpectRuns({
       {{"dt", monday, file},           0, request + "\n"},
-      {{"where", monday, file},        0, filter + "\n"},
+      {{"where", monday, file},        0, filter + "\n", "", "", true},
       {{"describe", monday, file},     0, descriptions},
-      {{"where", monday, param, file}, 0, filter + " AND " + from_param + "\n"},
+      {{"where", monday, param, file}, 0, filter + " AND " + from_param + "\n", "", "", true},
       {{"dt", monday, param, file},    0, request + " AND " + searched_param + "\n"},
   });
   // clang-format on
@@ -277,13 +293,14 @@ TEST(Brixq, EncodesAndDecodesBase64BetweenTheStandardStreams) {
       {{"b64", "decode"},                   0, std::string("\0\xFF\0", 3), "", "AP8A"},
       // Decoding rejects nothing: "=" inside the text leaves the counted bytes at the end 0.
       {{"b64", "decode"},                   0, std::string("MMan\0\0", 6), "", "TQ==TWFu"},
-      {{"b64", "encode", "--span", "0"},    1, "", "Invalid procedure call or argument (error 5)", "x"},
+      {{"b64", "encode", "--span", "0"},    1, "", "--span 0: Invalid procedure call or argument (error 5)", "x"},
       {{"b64"},                             2, "", "missing b64 action (encode or decode)"},
       {{"b64", "frob"},                     2, "", "unknown b64 action \"frob\""},
       {{"b64", "decode", "--span", "4"},    2, "", "the command b64 decode takes no option --span"},
       {{"b64", "encode", "--span"},         2, "", "--span needs a value"},
       {{"b64", "encode", "--span", "4x"},   2, "", span_range + "\"4x\""},
-      {{"b64", "encode", "--top", "3"},     2, "", "unknown option \"--top\""},
+      {{"b64", "encode", "--spam", "3"},    2, "", "unknown option \"--spam\" (did you mean --span?)"},
+      {{"b64", "encode", "--date", "2024-01-01"}, 2, "", "unknown option \"--date\": b64 reads no definition"},
       {{"b64", "encode", kOrders},          2, "", "b64 reads standard input and takes no FILE: \"" + kOrders + "\""},
   });
   // clang-format on
@@ -317,7 +334,7 @@ TEST(Brixq, ShowsWhatAnEnvelopeCarries) {
       "class: Users\nprocedure: Login\nsession: (none)\n"
       "error: 13, source \"[Login]\", description \"Type mismatch\"\n"
       "return: (Unsupported data type, error 517)\nparameters: 3\n  User: Object clsUser\n"
-      "  Bytes: Byte() 3 bytes\n  Empty: (Unsupported data type, error -2147220987)\n";
+      "  Bytes: Byte() 3 bytes\n  Empty: (Unsupported data type, error 0x80040205)\n";
   // clang-format off
   ExpectRuns({
       {{"envelope", "-"},                 0, shown, "", EnvelopeBytes(false)},
@@ -342,17 +359,25 @@ TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
        "cannot open the database /no/such.db: unable to open database file (error 20014)"},
       {{"run", "--refuse-host-sql", kOrders}, 1, "",
        "The calculated field Total is SQL written by the host (\"\"Orders\".\"Quantity\" * \"Orders\".\"Unit Price\"\"), "
-       "and the options refuse host SQL. (error -2147211399)"},
+       "and the options refuse host SQL. (error 0x80042779)"},
       {{"run", "--postgres", "host=/no/such/folder", kOrders}, 1, "",
        "PostgreSQL: cannot connect with \"host=/no/such/folder\": connection to server on socket "
        "\"/no/such/folder/.s.PGSQL.5432\" failed: No such file or directory Is the server running "
        "locally and accepting connections on that socket? (error 21000)"},
       {{"sql", "--dialect", "mysql", kOrders}, 2, "", "--dialect needs sqlite or postgresql, not \"mysql\""},
+      {{"sql", "--dialect", "postgres", kOrders}, 2, "", "--dialect needs sqlite or postgresql, not \"postgres\" (did you mean postgresql?)"},
+      {{"wher", kOrders},                    2, "", "unknown command \"wher\" (did you mean where?)"},
+      {{"sql", "--tpo", "1", kOrders},       2, "", "unknown option \"--tpo\" (did you mean --top?)"},
+      {{"clauses", "--names", kOrders},      2, "", "clauses --names takes no FILE"},
+      {{"where", "--param", "oras=x", kParams}, 1, "",
+       "--param oras: the definition has no parameter condition named \"oras\" (letter case counts; it has Oras) (error 5)"},
+      {{"where", "--param", "Oras=x", kOrders}, 1, "",
+       "--param Oras: the definition has no parameter condition named \"Oras\" (it has none) (error 5)"},
       {{"run", "--db", "x.db", "--postgres", "y", kOrders}, 2, "", "--db and --postgres exclude each other"},
       {{"dt", "--json", kOrders},            2, "", "the command dt takes no option --json"},
       {{"run", "-"},    1, "", "there is no statement to run (no tables) (error 20001)", "<PropertyBag/>"},
       // A load failure of the library comes on one line, the parser's reason after its text.
-      {{"sql", "-"},    1, "", "Couldn't load xml query definition! Start-end tags mismatch at line 1, column 498. (error -2147211403)", ReadFile(kOrders).substr(0, 500)},
+      {{"sql", "-"},    1, "", "Couldn't load xml query definition! Start-end tags mismatch at line 1, column 498. (error 0x80042775)", ReadFile(kOrders).substr(0, 500)},
       {{},                                    2, "", "missing COMMAND"},
       {{"select", kOrders},                   2, "", "unknown command \"select\""},
       {{"sql", "-t", "3", kOrders},           2, "", "unknown option \"-t\""},
@@ -374,6 +399,93 @@ TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
       {{"sql", "--date", "0099-12-31", kOrders},          2, "", kDateForm + "\"0099-12-31\""},
   });
   // clang-format on
+}
+
+// A definition with one of each problem the check reports; its statement still renders.
+const std::string kFaulty =
+    "<PropertyBag><xqb_Query name=\"Q\"><TablesCount>1</TablesCount>\n"
+    "<xqb_Table name=\"Table1\"><DBName>Orders</DBName><FieldsCount>2</FieldsCount>\n"
+    "<xqb_Field name=\"Field1\"><DBName>Quantity</DBName><DBType>5</DBType><ShowAsType>5</ShowAsType>"
+    "<Alias/><LinksWithField>Customer.ID</LinksWithField><ConditionsCount>3</ConditionsCount>\n"
+    "<xqb_Condition name=\"Condition1\"><ConditionID>1</ConditionID><Clause>33</Clause></xqb_Condition>\n"
+    "<xqb_Condition name=\"Condition2\"><ConditionID>2</ConditionID><Clause>4</Clause><Value>two</Value></xqb_Condition>\n"
+    "<xqb_Condition name=\"Condition3\"><ConditionID>3</ConditionID><Clause>17</Clause><Value>(1, 2</Value></xqb_Condition>\n"
+    "</xqb_Field>\n"
+    "<xqb_Field name=\"Field2\"><DBName>Day</DBName><Alias>Day</Alias><DBType>3</DBType><ShowAsType>3</ShowAsType>"
+    "<ConditionsCount>1</ConditionsCount>\n"
+    "<xqb_Condition name=\"Condition1\"><ConditionID>1</ConditionID><Clause>3</Clause><Value>banana</Value></xqb_Condition>\n"
+    "</xqb_Field></xqb_Table></xqb_Query></PropertyBag>";
+
+TEST(Brixq, ChecksADefinitionAndWarnsBeforeRunningIt) {
+  const std::string problems =
+      "xqb_Query/Table1/Field1: field Quantity has an empty Alias: the statement writes \"AS\" with no name after it\n"
+      "xqb_Query/Table1/Field1: LinksWithField \"Customer.ID\" names no field of the query\n"
+      "xqb_Query/Table1/Field1/Condition1: Clause 33 is not a clause (1 to 32)\n"
+      "xqb_Query/Table1/Field1/Condition2: Value \"two\" does not read as Numeric (Type mismatch)\n"
+      "xqb_Query/Table1/Field1/Condition3: The IN list \"(1, 2\" does not read as (item, item, ...) of "
+      "numbers and 'quoted texts': expected \",\" or \")\" at character 6.\n"
+      "xqb_Query/Table1/Field2/Condition1: ConditionID 1 is also the ID of xqb_Query/Table1/Field1/Condition1: "
+      "look-ups by ID find that one\n"
+      "xqb_Query/Table1/Field2/Condition1: Value \"banana\" does not read as Date (Type mismatch)\n";
+  const std::string where = "(Quantity OR Quantity >= two OR Quantity IN (1, 2) AND (Day = #banana#)\n";
+  std::string warnings, errors;
+  for (std::size_t at = 0, end; (end = problems.find('\n', at)) != std::string::npos; at = end + 1) {
+    warnings += "brixq: warning: " + problems.substr(at, end + 1 - at);
+    errors += "brixq: " + problems.substr(at, end + 1 - at);
+  }
+  for (const auto& [args, status, out, err] : std::vector<std::tuple<std::vector<std::string>, int, std::string, std::string>>{
+           {{"check", "-"}, 1, problems, ""},
+           {{"check", kOrders}, 0, "", ""},
+           {{"where", "-"}, 0, where, warnings},
+           {{"where", "--strict", "-"}, 1, "", errors},
+           {{"params", kParams}, 0, "Oras\n", ""},
+           {{"params", kOrders}, 0, "", ""},
+       }) {
+    SCOPED_TRACE(testing::PrintToString(args));
+    Outcome outcome = RunBrixq(args, kFaulty);
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_EQ(outcome.out, out);
+    EXPECT_EQ(outcome.err, err);
+  }
+  // A value that does not convert names its element, the element's path and its line.
+  Outcome banana = RunBrixq({"sql", "-"}, ReplaceAll(kFaulty, "<DBType>3<", "<DBType>banana<"));
+  EXPECT_EQ(banana.status, 1);
+  EXPECT_EQ(banana.err,
+            "brixq: Couldn't load xml query definition! Type mismatch: DBType of "
+            "xqb_Query/Table1/Field2 (line 8) is \"banana\" (error 0x80042775)\n");
+}
+
+TEST(Brixq, ExplainsEachCommand) {
+  for (const std::string command :
+       {"sql", "where", "dt", "describe", "clauses", "save", "run", "check", "params", "b64", "envelope"}) {
+    SCOPED_TRACE(command);
+    Outcome help = RunBrixq({command, "--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.out.starts_with("Usage: brixq " + command)) << help.out;
+    EXPECT_NE(help.out.find("Examples:"), std::string::npos);
+  }
+  Outcome names = RunBrixq({"clauses", "--names"});
+  EXPECT_EQ(std::count(names.out.begin(), names.out.end(), '\n'), 32);
+  EXPECT_NE(names.out.find("17\tqbe_ClauseInList\tin lista: ___\n"), std::string::npos);
+}
+
+// The text of the first block fenced as ````kind` after `from` in `text`.
+std::string FencedBlock(const std::string& text, const std::string& kind, std::size_t from = 0) {
+  const std::string fence = "```" + kind + "\n";
+  std::size_t start = text.find(fence, from);
+  if (start == std::string::npos) return {};
+  start += fence.size();
+  return text.substr(start, text.find("```", start) - start);
+}
+
+TEST(Brixq, LoadsTheDocumentedExampleAsDocumented) {
+  const std::string doc = ReadFile(BRIX_DOCS_DIR "/definition_format.md");
+  const std::string example = FencedBlock(doc, "xml");
+  const std::string statement = FencedBlock(doc, "text", doc.find(example));
+  ASSERT_FALSE(example.empty());
+  EXPECT_EQ(RunBrixq({"sql", "-"}, example).out, statement);
+  Outcome check = RunBrixq({"check", "-"}, example);
+  EXPECT_EQ(check.status, 0) << check.out;
 }
 
 }  // namespace
