@@ -56,8 +56,10 @@ void BM_RenameBetweenLookups(benchmark::State& state) {
   SetPerCondition(state);
 }
 
-// A screen's way of adding conditions: a new condition is added, then given its clause and value.
-void BM_AddThenSetValue(benchmark::State& state) {
+// Adds `state.range(0)` new conditions to new collections, each with ConditionID n, passing it to
+// `before` before it is added and to `after` once it is held.
+template <class Before, class After>
+void TimeAdding(benchmark::State& state, Before before, After after) {
   const std::vector<int> sizes = CollectionSizes(static_cast<int>(state.range(0)));
   for (auto _ : state) {
     for (int size : sizes) {
@@ -65,9 +67,9 @@ void BM_AddThenSetValue(benchmark::State& state) {
       for (int n = 0; n < size; ++n) {
         auto condition = xqb_Condition::Create();
         condition->SetConditionID(n);
+        before(*condition);
         conditions->AddObjectCondition(condition);
-        condition->SetClause(qbe_ClauseEqualTo);
-        condition->SetValue(Variant(n));
+        after(*condition, n);
       }
       benchmark::DoNotOptimize(conditions);
     }
@@ -75,25 +77,27 @@ void BM_AddThenSetValue(benchmark::State& state) {
   SetPerCondition(state);
 }
 
+// A screen's way of adding conditions: a new condition is added, then given its clause and value.
+void BM_AddThenSetValue(benchmark::State& state) {
+  TimeAdding(
+      state, [](xqb_Condition&) {},
+      [](xqb_Condition& condition, int n) {
+        condition.SetClause(qbe_ClauseEqualTo);
+        condition.SetValue(Variant(n));
+      });
+}
+
 // Equal-to 5 may be added any number of times (the stored secondary value, "", differs from 5),
 // so every condition here has the same duplicate key.
 void BM_EqualDuplicateKeys(benchmark::State& state) {
-  const std::vector<int> sizes = CollectionSizes(static_cast<int>(state.range(0)));
-  for (auto _ : state) {
-    for (int size : sizes) {
-      auto conditions = xqb_Conditions::Create();
-      for (int n = 0; n < size; ++n) {
-        auto condition = xqb_Condition::Create();
-        condition->SetConditionID(n);
-        condition->SetClause(qbe_ClauseEqualTo);
-        condition->SetValue(Variant(5));
-        condition->SetSecondaryValue(Variant(""));
-        conditions->AddObjectCondition(condition);
-      }
-      benchmark::DoNotOptimize(conditions);
-    }
-  }
-  SetPerCondition(state);
+  TimeAdding(
+      state,
+      [](xqb_Condition& condition) {
+        condition.SetClause(qbe_ClauseEqualTo);
+        condition.SetValue(Variant(5));
+        condition.SetSecondaryValue(Variant(""));
+      },
+      [](xqb_Condition&, int) {});
 }
 
 BENCHMARK(BM_RenameBetweenLookups)

@@ -80,19 +80,19 @@ class IndexedStore final : private ItemHolder {
   }
 
  private:
-  void Unindex(const IndexedItem& item) noexcept override {
-    if (stale_) return;
-    try {
-      index_.Erase(static_cast<const T&>(item));
-    } catch (const std::bad_alloc&) {
-      stale_ = true;
-    }
-  }
+  void Unindex(const IndexedItem& item) noexcept override { Follow(item, false); }
+  void Reindex(const IndexedItem& item) noexcept override { Follow(item, true); }
 
-  void Reindex(const IndexedItem& item) noexcept override {
+  // Puts `item` into the index or takes it out; running out of memory marks the index stale.
+  void Follow(const IndexedItem& item, bool insert) noexcept {
     if (stale_) return;
+    const T& held = static_cast<const T&>(item);
     try {
-      index_.Insert(static_cast<const T&>(item));
+      if (insert) {
+        index_.Insert(held);
+      } else {
+        index_.Erase(held);
+      }
     } catch (const std::bad_alloc&) {
       stale_ = true;
     }

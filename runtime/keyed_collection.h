@@ -85,6 +85,7 @@ class KeyedCollection {
     const std::size_t at = keys_.Find(key);
     return at == CollectionKeys::kNone ? nullptr : &items_[at];
   }
+  T* FindKey(std::string_view key) { return const_cast<T*>(std::as_const(*this).FindKey(key)); }
 
   /// Removes by position or key, with the errors of `Item`.
   void Remove(const Variant& index) {

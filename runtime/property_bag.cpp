@@ -9,11 +9,10 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <unordered_map>
 
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
-#include "runtime/text.h"
+#include "runtime/keyed_collection.h"
 
 namespace brix {
 namespace {
@@ -81,32 +80,27 @@ void PutString(std::string& out, std::string_view text) {
 }  // namespace
 
 /// The stored entries: names as written, values as encoded bytes, looked up by folded name.
+// The bag's entries: each name as first written with its encoded value, in writing order, keyed
+// by the name (letter case ignored).
 struct PropertyBag::Entries {
-  std::vector<std::pair<std::string, std::string>> items;
-  std::unordered_map<std::string, std::size_t> by_name;
+  KeyedCollection<std::pair<std::string, std::string>> items;
 
   void Put(std::string_view name, std::string value) {
-    auto [it, added] = by_name.try_emplace(FoldCase(name), items.size());
-    if (added) {
-      items.emplace_back(std::string(name), std::move(value));
+    if (auto* held = items.FindKey(name)) {
+      held->second = std::move(value);
     } else {
-      items[it->second].second = std::move(value);
+      items.Add({std::string(name), std::move(value)}, name);
     }
   }
   void Remove(std::string_view name) {
-    auto it = by_name.find(FoldCase(name));
-    if (it == by_name.end()) return;
-    const std::size_t at = it->second;
-    items.erase(items.begin() + static_cast<std::ptrdiff_t>(at));
-    by_name.erase(it);
-    for (auto& [folded, index] : by_name) index -= index > at ? 1 : 0;
+    if (items.FindKey(name)) items.Remove(Variant(name));
   }
   const std::string* Find(std::string_view name) const {
-    auto it = by_name.find(FoldCase(name));
-    return it == by_name.end() ? nullptr : &items[it->second].second;
+    const auto* held = std::as_const(items).FindKey(name);
+    return held ? &held->second : nullptr;
   }
   void Encode(std::string& out) const {
-    PutVarint(out, items.size());
+    PutVarint(out, static_cast<std::size_t>(items.Count()));
     for (const auto& [name, value] : items) {
       PutString(out, name);
       out += value;

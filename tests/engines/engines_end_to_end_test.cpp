@@ -1,5 +1,6 @@
-// Parameterized statements run on real engines: every clause kind selects the expected rows on
-// SQLite and on a PostgreSQL server started for the tests, and the samples agree on both.
+// Statements run on real engines: every clause kind selects the expected rows through the
+// parameterized statement on SQLite and on a PostgreSQL server started for the tests, and through
+// the compatible text on SQLite; the samples agree on all of them.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <unistd.h>
@@ -9,11 +10,13 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
+#include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "tests/support/query_tree.h"
 #include "tools/postgres_runner.h"
@@ -33,12 +36,17 @@ std::string ReadFile(const std::string& path) {
   return content.str();
 }
 
-// One engine: its dialect and how a statement runs on it.
+// One engine and the statement it is given: how a query's rows are read from it.
 struct Engine {
   const char* name;
-  SqlDialect dialect;
-  std::function<ResultTable(const ParameterizedStatement&)> run;
+  std::function<ResultTable(const xqb_Query&)> run;
 };
+
+ParameterizedStatement Bound(const xqb_Query& query, SqlDialect dialect) {
+  StatementOptions options;
+  options.dialect = dialect;
+  return query.ReturnParameterizedSQL(options);
+}
 
 class Engines : public ::testing::Test {
  protected:
@@ -72,22 +80,37 @@ class Engines : public ::testing::Test {
   static void TearDownTestSuite() { std::remove(sqlite_path_.c_str()); }
 
   static std::vector<Engine> All() {
-    return {{"SQLite", SqlDialect::kSQLite,
-             [](const ParameterizedStatement& s) { return brixq::RunOnSqlite(sqlite_path_, s); }},
-            {"PostgreSQL", SqlDialect::kPostgreSQL,
-             [](const ParameterizedStatement& s) { return brixq::RunOnPostgres(postgres_, s); }},
-            {"PostgreSQL, standard_conforming_strings off", SqlDialect::kPostgreSQL,
-             [](const ParameterizedStatement& s) {
-               return brixq::RunOnPostgres(postgres_legacy_, s);
+    return {{kSqlite,
+             [](const xqb_Query& q) {
+               return brixq::RunOnSqlite(sqlite_path_, Bound(q, SqlDialect::kSQLite));
+             }},
+            {"PostgreSQL",
+             [](const xqb_Query& q) {
+               return brixq::RunOnPostgres(postgres_, Bound(q, SqlDialect::kPostgreSQL));
+             }},
+            {"PostgreSQL, standard_conforming_strings off",
+             [](const xqb_Query& q) {
+               return brixq::RunOnPostgres(postgres_legacy_, Bound(q, SqlDialect::kPostgreSQL));
+             }},
+            {kCompatible, [](const xqb_Query& q) {
+               return brixq::RunOnSqlite(sqlite_path_, ParameterizedStatement{q.ReturnSQL(), {}});
              }}};
+  }
+
+  // Whether `engine` is given a statement it can read for `query` with `value` as an operand: the
+  // compatible text writes dates as #...# literals and times bare, which SQLite does not read,
+  // and leaves LIKE wildcards in operands as they are, as the hosts' own engines expect.
+  static bool Reads(const Engine& engine, const xqb_Query& query, const std::string& value = "",
+                    qbe_DataType type = qbe_DataString) {
+    if (engine.name != std::string_view(kCompatible)) return true;
+    return type != qbe_DataTime && query.ReturnSQL().find('#') == std::string::npos &&
+           value.find_first_of("%_") == std::string::npos;
   }
 
   // The first column of every row, joined by ",", or the error.
   static std::string FirstColumn(const Engine& engine, const xqb_Query& query) {
     try {
-      StatementOptions options;
-      options.dialect = engine.dialect;
-      ResultTable table = engine.run(query.ReturnParameterizedSQL(options));
+      ResultTable table = engine.run(query);
       std::string ids;
       for (const auto& row : table.rows) ids += (ids.empty() ? "" : ",") + row[0];
       return ids;
@@ -96,6 +119,8 @@ class Engines : public ::testing::Test {
     }
   }
 
+  static constexpr const char* kSqlite = "SQLite";
+  static constexpr const char* kCompatible = "SQLite, compatible text";
   static std::string sqlite_path_;
   static std::string postgres_;
   static std::string postgres_legacy_;
@@ -169,6 +194,7 @@ TEST_F(Engines, EveryClauseKindSelectsTheExpectedRows) {
       field->SetUseInStatement(false);
       test_support::AddCondition(*field, 1, static_cast<qbe_ClauseOperator>(row.kind), row.value,
                                  row.secondary);
+      if (!Reads(engine, *query, CStr(row.value), row.type)) continue;
       EXPECT_EQ(FirstColumn(engine, *query), row.ids)
           << engine.name << ", kind " << row.kind << " on " << row.field;
     }
@@ -186,6 +212,7 @@ TEST_F(Engines, TheSamplesSelectTheSameRowsOnBoth) {
     for (const auto& [file, first_column] : samples) {
       auto query = xqb_Query::Create();
       query->LoadXMLDef(ReadFile(BRIX_EXAMPLES_DIR "/" + file));
+      if (!Reads(engine, *query)) continue;
       EXPECT_EQ(FirstColumn(engine, *query), first_column) << engine.name << ", " << file;
     }
   }
@@ -200,6 +227,7 @@ TEST_F(Engines, AwkwardOperandsAreValuesOnBoth) {
       field->SetUseInStatement(false);
       test_support::AddCondition(*field, 1, qbe_ClauseEqualTo, V(value));
       test_support::AddCondition(*field, 2, qbe_ClauseContains, V(value));
+      if (!Reads(engine, *query, value)) continue;
       EXPECT_EQ(FirstColumn(engine, *query), "") << engine.name << ", " << value;
     }
   }
@@ -209,6 +237,7 @@ TEST_F(Engines, AwkwardOperandsAreValuesOnBoth) {
 // escape quotes in string literals: the filter keeps its meaning on every engine.
 TEST_F(Engines, ALikeEscapeEndsWhereItIsWrittenOnEveryServerSetting) {
   for (const Engine& engine : All()) {
+    if (engine.name == std::string_view(kCompatible)) continue;  // it writes names as stored
     test_support::FieldRow id{"ID", qbe_DataNumeric};
     id.sort = qbe_SortAscending;
     auto query = BuildQuery({{"Guests", {id}}});

@@ -38,6 +38,15 @@ const std::string kBagError = " brixobjects4.kelpXMLPBag: ";
 const std::string kDomError = "-2147467259" + kBagError;
 const std::string kNotSet = "91 brixobjects4: Object variable or With block variable not set";
 
+// An expected text ending in "..." is matched up to there: the rest is the XML library's own
+// wording, which is not ours to pin.
+::testing::AssertionResult Matches(const std::string& actual, const std::string& expected) {
+  const bool prefix = expected.ends_with("...");
+  const std::string wanted = prefix ? expected.substr(0, expected.size() - 3) : expected;
+  if (prefix ? actual.starts_with(wanted) : actual == wanted) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "got: " << actual << "\nexpected: " << expected;
+}
+
 /// A value as short text: "empty", "null", "nothing", "missing", 'text', a number, or "bytes"
 /// and the bytes.
 std::string Describe(const Variant& value) {
@@ -168,14 +177,14 @@ TEST(XMLPropBag, ReadsMarkersInAnyCaseTypedBytesTheFirstMatchOrTheDefault) {
       {"<P>first</P><P>second</P>",       "P[2]", none, "'second'"},
       {"<P/>",                            "Q", none, "missing"},
       {"<P/>",                            "Q", Variant(5), "5"},
-      {"<P/>",                            "P[", none, xpath + "P[\" is invalid: Unrecognized node test."},
-      {"<P/>",                            "1 + 1", none, xpath + "1 + 1\" is invalid: Expression does not evaluate to node set."},
+      {"<P/>",                            "P[", none, xpath + "P[\" is invalid: ..."},
+      {"<P/>",                            "1 + 1", none, xpath + "1 + 1\" is invalid: ..."},
       {"<P/>",                            "/", none, "13 brixobjects4: Type mismatch"},
   };
   // clang-format on
   const std::string bag = "<PropertyBag xmlns:q=\"urn:schemas-microsoft-com:datatypes\"><Holder>";
   for (const auto& [elements, name, fallback, read] : cases) {
-    EXPECT_EQ(ReadBack(bag + elements + "</Holder></PropertyBag>", name, fallback), read)
+    EXPECT_TRUE(Matches(ReadBack(bag + elements + "</Holder></PropertyBag>", name, fallback), read))
         << elements << " " << name;
   }
 }
@@ -197,7 +206,7 @@ void RunCases(const std::vector<BagCase>& cases, std::string& read) {
     auto bag = XMLPropBag::Create();
     if (c.initial) bag->SetContents(*c.initial);
     read.clear();
-    EXPECT_EQ(Outcome([&] { return c.act(*bag), read; }), c.outcome);
+    EXPECT_TRUE(Matches(Outcome([&] { return c.act(*bag), read; }), c.outcome));
     EXPECT_EQ(bag->Contents(), c.contents);
   }
 }
@@ -291,7 +300,7 @@ TEST(XMLPropBag, RestoresAndDeletesTheFirstMatchOfClassAndName) {
       {InBag(three), [&](XMLPropBag& b) { b.RestoreState(&a, "one"); b.RestoreState(&c_object); b.RestoreState(nullptr); }, "", InBag(three)},
       {InBag(three), [&](XMLPropBag& b) { b.RestoreState(&a, "two"); b.RestoreState(&a); }, "'2' '3'", InBag(three)},
       {InBag(three), [&](XMLPropBag& b) { b.RestoreState(&a, "say \"hi\""); },
-       kDomError + "The XPath expression \"//PropertyBag/A[@name=\"say \"hi\"\"]\" is invalid: Expected ']' to match an opening '['.", InBag(three)},
+       kDomError + "The XPath expression \"//PropertyBag/A[@name=\"say \"hi\"\"]\" is invalid: ...", InBag(three)},
       {indented,     [&](XMLPropBag&) {},                                                   "", InBag(loaded)},
       {indented,     [&](XMLPropBag& b) { b.DeleteObject("A", "x"); },                      "", InBag("<A name=\"y\"/><A name=\"x\"><P/></A>")},
       {indented,     [&](XMLPropBag& b) { b.DeleteObject("A"); b.DeleteObject("Missing", "x"); }, "", InBag("<A name=\"y\"/><A name=\"x\"><P/></A>")},
