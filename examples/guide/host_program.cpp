@@ -46,7 +46,8 @@ int main() {
     customers->Fields()->Add("City")->Conditions()->Add(qbe_ClauseEqualTo, Variant("Cluj"));
     Run(*query, db);
     const std::string saved = query->SaveXMLDef();  // what a host stores
-    std::cout << "saved " << saved.size() << " bytes\n";
+    xqb_Query::Create()->LoadXMLDef(saved);
+    std::cout << "saved, and loads again\n";
 
     customers->SetDBName("Clients");  // no such table: the run fails and is logged
     Run(*query, db);
