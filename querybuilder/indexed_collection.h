@@ -39,7 +39,7 @@ class IndexedStore final : private ItemHolder {
     T& added = *item;
     added.AddHolder(this);
     try {
-      items_.Add(std::move(item), key);
+      items_.Add(item, key);  // a copy: `item` keeps the object alive should the add fail
     } catch (...) {
       added.RemoveHolder(this);
       throw;

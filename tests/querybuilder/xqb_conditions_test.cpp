@@ -111,6 +111,10 @@ TEST(XqbConditions, AddRefusesDuplicatesAndKeysByTheDecimalIdentity) {
     conditions->Add(EQ);
     EXPECT_TRUE(RaisesDuplicate([&] { conditions->Add(EQ); }));
     EXPECT_TRUE(RaisesDuplicate([&] { conditions->AddObjectCondition(MakeCondition(77, EQ)); }));
+    // An identity in use refuses the object, which no one else holds: it must be freed cleanly.
+    EXPECT_TRUE(RaisesRuntimeError(
+        [&] { conditions->AddObjectCondition(MakeCondition(added->ConditionID(), EQ, V(8))); },
+        kErrKeyAlreadyAssociated));
     EXPECT_TRUE(RaisesRuntimeError([&] { conditions->AddObjectCondition(nullptr); },
                                    kErrObjectVariableNotSet));
     EXPECT_EQ(conditions->Count(), 4);
