@@ -125,6 +125,7 @@ TEST(Brixq, PrintsWhatTheLibraryMakesOfTheSamples) {
   ExpectRuns({
       {{"sql", kOrders},                       0, kOrdersSelect + "\n"},
       {{"sql", "--top", "3", kOrders},         0, kOrdersSelect + " LIMIT 3\n"},
+      {{"sql", "--top", "0", kOrders},         0, kOrdersSelect + "\n"},  // 0: no limit
       {{"sql", kOrders, "--top=2147483647"},   0, kOrdersSelect + " LIMIT 2147483647\n"},
       {{"where", "--qualified", "--joins", kOrders}, 0, kOrdersWhere + "\n"},
       // Table keys ignore letter case, as the collection's lookup does.
@@ -259,6 +260,12 @@ TEST(Brixq, ReportsErrorsWithTheirNumberAndStatus) {
       {{"run", "--refuse-host-sql", kOrders}, 1, "",
        "The calculated field Total is SQL written by the host (\"\"Orders\".\"Quantity\" * \"Orders\".\"Unit Price\"\"), "
        "and the options refuse host SQL. (error 0x80042779)"},
+      // Object error numbers print as 32-bit hexadecimal.
+      {{"sql", "--dialect", "postgresql", "-"}, 1, "",
+       "The name \"[]\" has an empty part and cannot be written as an identifier. (error 0x8004277A)",
+       "<PropertyBag><xqb_Query><TablesCount>1</TablesCount><xqb_Table name=\"Table1\"><DBName>T</DBName>"
+       "<FieldsCount>1</FieldsCount><xqb_Field name=\"Field1\"><DBName>[]</DBName><Alias>A</Alias>"
+       "</xqb_Field></xqb_Table></xqb_Query></PropertyBag>"},
       {{"sql", "--dialect", "mysql", kOrders}, 2, "", "--dialect needs sqlite or postgresql, not \"mysql\""},
       {{"sql", "--dialect", "postgres", kOrders}, 2, "", "--dialect needs sqlite or postgresql, not \"postgres\" (did you mean postgresql?)"},
       {{"wher", kOrders},                    2, "", "unknown command \"wher\" (did you mean where?)"},
