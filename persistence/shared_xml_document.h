@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <pugixml.hpp>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -47,7 +48,11 @@ class SharedDocument {
   /// The text the document was read from, when its reader keeps it for the document's life
   /// (`XMLPropBag::SetContentsForReading`); empty otherwise. It tells the lines of elements.
   std::string_view SourceText() const { return source_text_; }
-  void SetSourceText(std::string_view text) { source_text_ = text; }
+  /// Keeps `parsed`, the text the parser read; `converted` holds it when it was converted.
+  void KeepSourceText(std::string_view parsed, std::string converted) {
+    converted_source_ = std::move(converted);
+    source_text_ = converted_source_.empty() ? parsed : std::string_view(converted_source_);
+  }
 
  private:
   friend class NodeHold;
@@ -57,6 +62,7 @@ class SharedDocument {
   std::vector<NodeHold*> holds_;
   std::uint64_t version_ = 0;
   std::string_view source_text_;
+  std::string converted_source_;
 };
 
 /// A bag's current node. It keeps the node's document alive (setting a bag's contents replaces

@@ -540,13 +540,15 @@ std::string XMLPropBag::Contents() const {
 
 void XMLPropBag::SetContents(std::string_view text) {
   state_->document_ = std::make_shared<SharedDocument>();
-  ReadXmlText(state_->document_->Dom(), text);
+  std::string converted;
+  ReadXmlText(state_->document_->Dom(), text, false, converted);
 }
 
 void XMLPropBag::SetContentsForReading(std::string_view text) {
   state_->document_ = std::make_shared<SharedDocument>();
-  ReadXmlText(state_->document_->Dom(), text, true);
-  state_->document_->SetSourceText(text);
+  std::string converted;
+  const std::string_view parsed = ReadXmlText(state_->document_->Dom(), text, true, converted);
+  state_->document_->KeepSourceText(parsed, std::move(converted));
 }
 
 XMLPropBag::Place XMLPropBag::PlaceOf(std::string_view PropertyName) const {

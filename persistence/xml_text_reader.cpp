@@ -73,9 +73,10 @@ std::string CheckTree(pugi::xml_document& document, std::string_view text) {
 
 }  // namespace
 
-void ReadXmlText(pugi::xml_document& document, std::string_view bytes, bool embed_text) {
+std::string_view ReadXmlText(pugi::xml_document& document, std::string_view bytes, bool embed_text,
+                             std::string& decoded) {
   document.reset();
-  std::string decoded;
+  decoded.clear();
   const std::string_view text = DecodeXmlText(bytes, decoded);
   std::string reason = ForbiddenCharacters(text);
   if (reason.empty()) reason = MalformedMarkup(text);
@@ -92,7 +93,10 @@ void ReadXmlText(pugi::xml_document& document, std::string_view bytes, bool embe
                  ? CheckTree(document, text)
                  : result.description() + Location(text, static_cast<std::size_t>(result.offset));
   }
-  if (reason.empty()) return;
+  if (reason.empty()) {
+    // The parser skips a UTF-8 byte-order mark, and counts its offsets after it.
+    return text.starts_with("\xEF\xBB\xBF") ? text.substr(3) : text;
+  }
   document.reset();
   RaiseXMLPropBagError(kErrInvalidXMLFile, std::move(reason));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <pugixml.hpp>
+#include <string>
 #include <string_view>
 
 namespace brix {
@@ -18,6 +19,9 @@ namespace brix {
 /// "Invalid at the top level of the document." or "Duplicate attribute 'x'.".
 /// With `embed_text` an element's leading text is kept as the element's value instead of a
 /// text node of its own, which takes a third less memory for documents of short values.
-void ReadXmlText(pugi::xml_document& document, std::string_view text, bool embed_text = false);
+/// Returns the text the parser's offsets (`offset_debug`) count in: a view of `text` past any
+/// byte-order mark, or of `converted` when the text had to be converted (UTF-16, 8-bit codes).
+std::string_view ReadXmlText(pugi::xml_document& document, std::string_view text, bool embed_text,
+                             std::string& converted);
 
 }  // namespace brix

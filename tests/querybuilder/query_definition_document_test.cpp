@@ -218,3 +218,33 @@ TEST(QueryDefinitionDocument, LoadsHoldDocumentsToTheirBounds) {
 
 }  // namespace
 }  // namespace brix
+
+namespace brix {
+namespace {
+
+// The line of a value that does not convert counts in the text as read, whatever its encoding:
+// a byte-order mark, UTF-16 or an 8-bit code page must not move it.
+TEST(QueryDefinitionDocument, LoadErrorLinesHoldInEveryEncoding) {
+  const std::string body =
+      "<PropertyBag>\n<xqb_Query>\n<TablesCount>many</TablesCount>\n</xqb_Query>\n</PropertyBag>";
+  const auto utf16 = [](std::string_view text) {
+    std::string bytes = "\xFF\xFE";
+    for (char c : text) bytes += std::string{c, '\0'};
+    return bytes;
+  };
+  const std::vector<std::string> documents = {
+      body, "\xEF\xBB\xBF" + body, utf16(body),
+      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + body};
+  for (const std::string& document : documents) {
+    try {
+      xqb_Query::Create()->LoadXMLDef(document);
+      ADD_FAILURE() << "loaded";
+    } catch (const Error& error) {
+      EXPECT_NE(error.Description().find("TablesCount of xqb_Query (line 3)"), std::string::npos)
+          << error.Description();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace brix
