@@ -71,7 +71,7 @@ def write(results_file, md_file, cpus, seconds, node, rqb, log_file):
                   "requests, from the server's request log; the rest of a request's latency is HTTP, "
                   "the kernel and the wait for one of the two CPUs shared with wrk.", ""]
     load = Path("/proc/loadavg").read_text().split()[0] if Path("/proc/loadavg").exists() else "?"
-    lines += [f"Load average of the machine when the run ended: {load} (other builds share it).", "",
+    lines += [f"Load average of the machine when the run ended: {load} (wrk, the servers and anything else running share the two CPUs).", "",
               "Where the time goes (a `perf` profile of the server answering `parts: [\"sql\"]` at 8 "
               "connections on this machine, not part of the script): nlohmann-json's lexer reading "
               "the 13 KB definition escaped inside the JSON body takes about 30% of the server's "
@@ -82,7 +82,13 @@ def write(results_file, md_file, cpus, seconds, node, rqb, log_file):
     text = Path(md_file).read_text() if Path(md_file).exists() else "# Performance\n"
     at = text.find(HEADING)
     head = (text if at < 0 else text[:at]).rstrip("\n") + "\n\n"
-    Path(md_file).write_text(head + "\n".join(lines))
+    # Only this section is replaced: what other runs wrote after it stays.
+    rest = ""
+    if at >= 0:
+        ends = [i for i in (text.find("\n## ", at + 1), text.find("<!-- python-bench -->", at))
+                if i >= 0]
+        rest = text[min(ends):].lstrip("\n") if ends else ""
+    Path(md_file).write_text(head + "\n".join(lines) + ("\n" + rest if rest else ""))
 
 
 if __name__ == "__main__":
