@@ -18,7 +18,7 @@ namespace brix {
 
 class KeyPositions;
 
-/// The keys of a keyed collection, one per item (or none), and where each stands: the part of
+/// The keys of a keyed collection, one per item (or none), and where each stands: the share of
 /// the collection that does not depend on its items' type.
 class CollectionKeys {
  public:

@@ -28,7 +28,7 @@ nlohmann::json ClauseJson(std::int32_t number) {
           {"description", ClauseDescription(static_cast<qbe_ClauseOperator>(number))}};
 }
 
-// The parts a render may be asked for, in the order they are computed.
+// The texts a render may be asked for, in the order they are computed.
 constexpr std::array<const char*, 6> kParts = {"sql",          "where",  "fullText",
                                                "descriptions", "fields", "statements"};
 

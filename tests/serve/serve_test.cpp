@@ -351,7 +351,7 @@ TEST_F(Serve, RendersADefinitionPostedAsXmlAndOnlyThePartsAsked) {
   EXPECT_FALSE(answer["statements"].contains("postgresql"));
   ExpectError(server_->Client().Post("/api/render?top=x", "<x/>", "application/xml"), 400, 0,
               "brixq serve", "top must be a whole number");
-  // Only the parts asked for.
+  // Only the texts asked for.
   json request = {{"definition", ReadFile(kExamples + "/orders.xml")}, {"parts", {"where", "sql"}}};
   answer = Body(server_->Client().Post("/api/render", request.dump(), kJson));
   EXPECT_EQ(answer.size(), 2u);
