@@ -25,6 +25,11 @@ std::string Source(std::string_view operation) {
   Raise(number, Source(operation), TrappedDescription(message, "Reason: ", trapped));
 }
 
+/// A fixed text property of the envelope; "" when the envelope has none.
+std::string TextOf(const PropertyBag& bag, std::string_view name) {
+  return CStr(bag.ReadProperty(name, Variant("")));
+}
+
 /// Reads `name` as the stored type code `code` says; `unsupported` runs for any other code.
 template <class Unsupported>
 Variant ReadByTypeCode(const PropertyBag& bag, const std::string& name, std::int32_t code,
@@ -96,15 +101,11 @@ ByteArray cMarshall::GetContents() const {
   }
 }
 
-std::string cMarshall::ClassName() const {
-  return CStr(bag_->ReadProperty("ClassName", Variant("")));
-}
+std::string cMarshall::ClassName() const { return TextOf(*bag_, "ClassName"); }
 void cMarshall::SetClassName(std::string_view value) {
   bag_->WriteProperty("ClassName", Variant(value));
 }
-std::string cMarshall::ProcedureName() const {
-  return CStr(bag_->ReadProperty("ProcedureName", Variant("")));
-}
+std::string cMarshall::ProcedureName() const { return TextOf(*bag_, "ProcedureName"); }
 void cMarshall::SetProcedureName(std::string_view value) {
   bag_->WriteProperty("ProcedureName", Variant(value));
 }
@@ -114,15 +115,11 @@ void cMarshall::SetSession(std::string_view value) {
 }
 std::int32_t cMarshall::ErrorNo() const { return CLng(bag_->ReadProperty("ErrorNo", Variant(0))); }
 void cMarshall::SetErrorNo(std::int32_t value) { bag_->WriteProperty("ErrorNo", Variant(value)); }
-std::string cMarshall::ErrorDescription() const {
-  return CStr(bag_->ReadProperty("ErrorDescription", Variant("")));
-}
+std::string cMarshall::ErrorDescription() const { return TextOf(*bag_, "ErrorDescription"); }
 void cMarshall::SetErrorDescription(std::string_view value) {
   bag_->WriteProperty("ErrorDescription", Variant(value));
 }
-std::string cMarshall::ErrorSource() const {
-  return CStr(bag_->ReadProperty("ErrorSource", Variant("")));
-}
+std::string cMarshall::ErrorSource() const { return TextOf(*bag_, "ErrorSource"); }
 void cMarshall::SetErrorSource(std::string_view value) {
   bag_->WriteProperty("ErrorSource", Variant(value));
 }

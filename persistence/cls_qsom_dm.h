@@ -5,10 +5,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "runtime/property_bag.h"
 
 namespace brix {
+
+template <class T>
+struct PropertyRow;
 
 /// One saved query or report definition as a catalogue keeps it. New records hold empty texts, 0
 /// and False. The persisted order keeps "AS_G6" before "AS_G1", as saved records have it.
@@ -104,8 +108,7 @@ class clsQSOM_DM : public Persistable {
 
  private:
   clsQSOM_DM();
-  struct Row;
-  static const Row* Rows(std::size_t& count);
+  static const std::vector<PropertyRow<clsQSOM_DM>>& Rows();
 
   std::string id_;
   std::string name_;

@@ -5,10 +5,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "runtime/property_bag.h"
 
 namespace brix {
+
+template <class T>
+struct PropertyRow;
 
 /// The signed-in user as a persistable record. New records hold empty texts, 0 and False. The
 /// key "GroupPriority" is written and read twice (after "CanAccessFinancialData" again): saved
@@ -98,8 +102,7 @@ class clsUser : public Persistable {
 
  private:
   clsUser();
-  struct Row;
-  static const Row* Rows(std::size_t& count);
+  static const std::vector<PropertyRow<clsUser>>& Rows();
 
   std::string id_;
   std::string user_name_;

@@ -19,6 +19,8 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/cls_user.cpp
   persistence/keyed_compression.cpp
   persistence/keyed_compression.h
+  persistence/property_row.cpp
+  persistence/property_row.h
   persistence/record_classes.cpp
   persistence/record_row.h
   persistence/shared_xml_document.cpp

@@ -1,92 +1,12 @@
 // The saved properties of the query, its tables, fields and conditions, in document order.
 #include "querybuilder/definition_rows.h"
 
-#include <charconv>
-#include <optional>
-
 #include "runtime/conversions.h"
 
 namespace brix {
 namespace {
 
-// The string forms CStr gives a whole number and a Boolean.
-std::string_view NumberText(std::int32_t value, std::string& scratch) {
-  char digits[16];
-  scratch.assign(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
-  return scratch;
-}
-
-std::string_view BooleanText(bool value) { return value ? "True" : "False"; }
-
-// A whole number written the way the string form writes one ("-" and up to nine digits, no
-// leading zero): read directly, since every conversion reads it as that number. Anything else
-// goes through the conversions with all their rules.
-std::optional<std::int32_t> PlainWholeNumber(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  const std::string_view digits = text.substr(negative ? 1 : 0);
-  if (digits.empty() || digits.size() > 9 || (digits.size() > 1 && digits.front() == '0')) {
-    return std::nullopt;
-  }
-  std::int32_t value = 0;  // nine digits always fit
-  for (const char c : digits) {
-    if (c < '0' || c > '9') return std::nullopt;
-    value = value * 10 + (c - '0');
-  }
-  if (negative && value == 0) return std::nullopt;
-  return negative ? -value : value;
-}
-
-template <class T, class G, class S>
-Row<T> Text(const char* name, G get, S set) {
-  return {name, [get](const T& o) { return Variant(std::string((o.*get)())); },
-          [set](T& o, const Variant& v) { (o.*set)(CStr(v)); },
-          [get](const T& o, std::string&) { return std::string_view((o.*get)()); },
-          [set](T& o, std::string_view text) { (o.*set)(std::string(text)); }};
-}
-
-template <class T, class A>
-Row<T> Long(const char* name, A (T::*get)() const, void (T::*set)(A)) {
-  return {name, [get](const T& o) { return Variant(static_cast<std::int32_t>((o.*get)())); },
-          [set](T& o, const Variant& v) { (o.*set)(static_cast<A>(CLng(v))); },
-          [get](const T& o, std::string& scratch) {
-            return NumberText(static_cast<std::int32_t>((o.*get)()), scratch);
-          },
-          [set](T& o, std::string_view text) {
-            const std::optional<std::int32_t> plain = PlainWholeNumber(text);
-            (o.*set)(static_cast<A>(plain ? *plain : CLng(Variant(std::string(text)))));
-          }};
-}
-
-template <class T>
-Row<T> Integer(const char* name, std::int16_t (T::*get)() const, void (T::*set)(std::int16_t)) {
-  return {name, [get](const T& o) { return Variant((o.*get)()); },
-          [set](T& o, const Variant& v) { (o.*set)(CInt(v)); },
-          [get](const T& o, std::string& scratch) { return NumberText((o.*get)(), scratch); },
-          [set](T& o, std::string_view text) {
-            const std::optional<std::int32_t> plain = PlainWholeNumber(text);
-            (o.*set)(plain ? CInt(Variant(*plain)) : CInt(Variant(std::string(text))));
-          }};
-}
-
-template <class T>
-Row<T> Boolean(const char* name, bool (T::*get)() const, void (T::*set)(bool)) {
-  return {name, [get](const T& o) { return Variant((o.*get)()); },
-          [set](T& o, const Variant& v) { (o.*set)(CBool(v)); },
-          [get](const T& o, std::string&) { return BooleanText((o.*get)()); },
-          [set](T& o, std::string_view text) {
-            if (text == "True" || text == "False") {
-              (o.*set)(text == "True");
-            } else {
-              (o.*set)(CBool(Variant(std::string(text))));
-            }
-          }};
-}
-
-template <class T>
-Row<T> Value(const char* name, const Variant& (T::*get)() const, void (T::*set)(const Variant&)) {
-  return {name, [get](const T& o) { return (o.*get)(); },
-          [set](T& o, const Variant& v) { (o.*set)(v); }, nullptr, nullptr, get};
-}
+using namespace property_rows;
 
 // An empty saved clause list means "the defaults of the field's type", rebuilt on reading.
 Row<xqb_Field> AvailableClausesRow() {

@@ -2,11 +2,11 @@
 // how each value is written and read back. Shared by the bag-based and the direct readers.
 #pragma once
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "persistence/property_row.h"
 #include "persistence/xml_prop_bag.h"
 #include "querybuilder/xqb_condition.h"
 #include "querybuilder/xqb_field.h"
@@ -16,18 +16,9 @@
 
 namespace brix {
 
-/// One saved property: its element name, its value as written, and how a read value is converted
-/// back. A property held as text, number or Boolean also gives its string form straight away
-/// (into `scratch` when it has to be made), and takes a read text without a variant.
+/// One saved property of the query's classes.
 template <class T>
-struct Row {
-  const char* name;
-  std::function<Variant(const T&)> get;
-  std::function<void(T&, const Variant&)> set;  // empty: written but never read
-  std::function<std::string_view(const T&, std::string& scratch)> text = nullptr;
-  std::function<void(T&, std::string_view)> set_text = nullptr;  // empty: through `set`
-  const Variant& (T::*held)() const = nullptr;  // a property held as a variant, read in place
-};
+using Row = PropertyRow<T>;
 
 const std::vector<Row<xqb_Query>>& QueryRows();
 const std::vector<Row<xqb_Table>>& TableRows();
