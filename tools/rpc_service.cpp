@@ -79,9 +79,12 @@ void Dispatch(CatalogService& catalog, const cMarshall& call, cMarshall& answer,
   } else if (procedure == "SaveQuery") {
     if (!may_write) throw ApiError(401, "SaveQuery needs the server's token");
     WriteCondition condition;
-    if (HasParam(call, "Version")) condition.if_match = LongParam(call, "Version", 0);
-    // Overwrite True replaces whatever version is stored; without it replacing needs Version.
+    // Overwrite True creates or replaces whatever version is stored, whatever Version says;
+    // without it, replacing needs the Version read.
     condition.require_match = !(HasParam(call, "Overwrite") && CBool(call.ReadParam("Overwrite")));
+    if (condition.require_match && HasParam(call, "Version")) {
+      condition.if_match = LongParam(call, "Version", 0);
+    }
     auto record = RecordParam(call, "Record");
     std::string id = record->ID();
     SavedRecord saved = catalog.Save(id, record, condition, user);

@@ -547,6 +547,7 @@ TEST_F(Serve, AnswersEnvelopesWithEnvelopes) {
   auto overwrite = NewCall("SaveQuery");
   overwrite->AddParam("Record", Variant(record));
   overwrite->AddParam("Overwrite", Variant(true));
+  overwrite->AddParam("Version", Variant(7));  // stale: Overwrite replaces all the same
   EXPECT_EQ(CLng(Call(client, *overwrite)->Retval()), 2);
 
   auto stale = NewCall("SaveQuery");
