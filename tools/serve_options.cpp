@@ -30,10 +30,11 @@ catalog   import: stores each definition FILE as a saved query (ID and Name from
 struct ArgReader {
   const std::vector<std::string_view>& args;
   std::size_t i = 1;
-  std::optional<std::string_view> inline_value;
+  bool has_inline_value = false;
+  std::string_view inline_value;
 
   std::string_view Value(std::string_view name) {
-    if (inline_value) return *inline_value;
+    if (has_inline_value) return inline_value;
     if (++i >= args.size()) throw UsageError("--" + std::string(name) + " needs a value");
     return args[i];
   }
@@ -43,7 +44,7 @@ struct ArgReader {
 template <class Apply, class Positional>
 void ReadArgs(const std::vector<std::string_view>& args, std::size_t first, Apply&& apply,
               Positional&& positional) {
-  ArgReader reader{args, first, std::nullopt};
+  ArgReader reader{args, first};
   for (; reader.i < args.size(); ++reader.i) {
     std::string_view arg = args[reader.i];
     if (!arg.starts_with("--")) {
@@ -51,8 +52,9 @@ void ReadArgs(const std::vector<std::string_view>& args, std::size_t first, Appl
       continue;
     }
     std::string_view name = arg.substr(2);
-    reader.inline_value.reset();
+    reader.has_inline_value = false;
     if (auto equals = name.find('='); equals != std::string_view::npos) {
+      reader.has_inline_value = true;
       reader.inline_value = name.substr(equals + 1);
       name = name.substr(0, equals);
     }
