@@ -44,7 +44,7 @@ struct ArgReader {
 template <class Apply, class Positional>
 void ReadArgs(const std::vector<std::string_view>& args, std::size_t first, Apply&& apply,
               Positional&& positional) {
-  ArgReader reader{args, first};
+  ArgReader reader{args, first, false, {}};
   for (; reader.i < args.size(); ++reader.i) {
     std::string_view arg = args[reader.i];
     if (!arg.starts_with("--")) {
