@@ -16,6 +16,7 @@
 #include "tools/api_error.h"
 #include "tools/command_line.h"
 #include "tools/file_access.h"
+#include "tools/render_body.h"
 #include "tools/render_service.h"
 #include "tools/statement_json.h"
 
@@ -338,9 +339,13 @@ std::string ApiServer::User(const Request& request) const {
 void ApiServer::Render(const Request& request, Response& response) {
   const std::string type = request.get_header_value("Content-Type");
   const bool xml = type.starts_with("application/xml") || type.starts_with("text/xml");
-  SendJson(response, 200,
-           xml ? RenderDefinition(request.body, XmlRenderOptions(request))
-               : brixq::Render(ParseBody(request)));
+  if (xml) {
+    SendJson(response, 200, RenderDefinition(request.body, XmlRenderOptions(request)));
+  } else if (std::optional<RenderBody> body = ReadRenderBody(request.body)) {
+    SendJson(response, 200, RenderDefinition(std::move(body->definition), body->options));
+  } else {
+    SendJson(response, 200, brixq::Render(ParseBody(request)));
+  }
 }
 
 void ApiServer::ListQueries(const Request& request, Response& response) {
