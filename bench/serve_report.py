@@ -80,13 +80,16 @@ def write(results_file, md_file, cpus, seconds, node, rqb, log_file):
                   "the kernel and the wait for one of the two CPUs shared with wrk.", ""]
     load = Path("/proc/loadavg").read_text().split()[0] if Path("/proc/loadavg").exists() else "?"
     lines += [f"Load average of the machine when the run ended: {load} (wrk, the servers and anything else running share the two CPUs).", "",
-              "Where the time goes (a `perf` profile of the server answering `parts: [\"sql\"]` at 8 "
-              "connections on this machine, not part of the script): nlohmann-json's lexer reading "
-              "the 13 KB definition escaped inside the JSON body takes about 30% of the server's "
-              "CPU, the kernel's send and poll about 20%, allocation about 10%; no function of the "
-              "library reaches 4%. Every text adds a 14 KB answer (each field's clause list) to "
-              "build and dump. The peer parses a 400-byte query and answers 300 bytes. Posting the "
-              "definition as `application/xml` skips the JSON parse.", ""]
+              "Where the time goes (`perf` profiles of the server at 64 connections on this "
+              "machine, not part of the script). Answering the SQL alone, about a third of the "
+              "server's CPU is the kernel (TCP send and receive, poll, and switching between the "
+              "threads that each hold a connection), a third brixq's own code, almost all of it "
+              "`LoadXMLDef` reading the 13 KB definition, a fifth the C library's copies and "
+              "compares, 7% the allocator (jemalloc), 7% cpp-httplib and 2% simdjson reading the "
+              "body. Answering every text adds a 10 KB answer: building, dumping and freeing its "
+              "nlohmann-json tree (each field's clause list) is about a quarter of the server's "
+              "CPU, computing the clause lists a few percent. The peer parses a 400-byte query and answers "
+              "300 bytes, on one thread.", ""]
     text = Path(md_file).read_text() if Path(md_file).exists() else "# Performance\n"
     at = text.find(HEADING)
     head = (text if at < 0 else text[:at]).rstrip("\n") + "\n\n"
