@@ -105,6 +105,8 @@ nlohmann::json ParseBody(const httplib::Request& request) {
     return nlohmann::json::parse(request.body);
   } catch (const nlohmann::json::parse_error& error) {
     throw ApiError(400, "the body is not valid JSON (byte " + std::to_string(error.byte) + ")");
+  } catch (const nlohmann::json::out_of_range&) {
+    throw ApiError(400, "the body is not valid JSON (a number beyond the range of a double)");
   }
 }
 

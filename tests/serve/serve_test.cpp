@@ -436,6 +436,8 @@ TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
       {"POST", "/api/render", "{\"definition\": ",           400, 0, ours, "the body is not valid JSON"},
       {"POST", "/api/render", "{\"definition\": \"\xff\xfe\"}", 400, 0, ours, "the body is not valid JSON"},
       {"POST", "/api/render", "[1, 2]",                      400, 0, ours, "the body must be a JSON object"},
+      {"POST", "/api/render", "{\"top\": 1e999}",           400, 0, ours, "the body is not valid JSON"},
+      {"PUT", "/api/queries/x", "{\"Name\": -1e999}",        400, 0, ours, "the body is not valid JSON"},
       {"POST", "/api/render", "{\"definition\": 5}",         400, 0, ours, "\"definition\" is required"},
       {"POST", "/api/render", with({{"date", "2024-02-30"}}), 400, 0, ours, "\"date\" must be"},
       {"POST", "/api/render", with({{"top", -1}}),           400, 0, ours, "\"top\" must be a whole number from 0"},
