@@ -7,9 +7,10 @@
 namespace brix::brixq {
 namespace {
 
-// A parser keeps its buffers for the next body; beyond this size a body gets a parser of its
-// own, so that no worker thread holds on to the memory of the largest body it ever read.
-constexpr std::size_t kKeptParserBytes = 64 * 1024;
+// A parser keeps its buffers for the next body (about 14 bytes for each byte of the largest it
+// read); beyond this size a body gets a parser of its own, so that each of the worker threads
+// holds at most half a megabyte.
+constexpr std::size_t kKeptParserBytes = 32 * 1024;
 
 std::optional<RenderBody> Split(simdjson::dom::parser& parser, std::string_view body) {
   simdjson::dom::object root;
