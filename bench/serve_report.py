@@ -10,6 +10,7 @@
       say how much of a request the handler takes.
 """
 import json
+import os
 import re
 import statistics
 import sys
@@ -78,8 +79,12 @@ def write(results_file, md_file, cpus, seconds, node, rqb, log_file):
                   f"took {handler[0]:.2f} ms at the median and {handler[1]:.2f} ms at p99 over all "
                   "requests, from the server's request log; the rest of a request's latency is HTTP, "
                   "the kernel and the wait for one of the two CPUs shared with wrk.", ""]
-    load = Path("/proc/loadavg").read_text().split()[0] if Path("/proc/loadavg").exists() else "?"
-    lines += [f"Load average of the machine when the run ended: {load} (wrk, the servers and anything else running share the two CPUs).", "",
+    before = os.environ.get("BENCH_SERVE_LOAD_BEFORE", "?")
+    lines += [f"Load average of the machine before the run: {before} (other work on the machine; "
+              "wrk and the servers share the two CPUs with it). node answers on one thread, brixq "
+              "on as many as there are connections: brixq's advantage at 8 and 64 connections is "
+              "the second CPU, as far as wrk and other work leave it free, and the CPU / request "
+              "column compares the work itself.", "",
               "Where the time goes (`perf` profiles of the server at 64 connections on this "
               "machine, not part of the script). Answering the SQL alone, about a third of the "
               "server's CPU is the kernel (TCP send and receive, poll, and switching between the "
