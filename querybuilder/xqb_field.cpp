@@ -1,6 +1,9 @@
 // Field: normalised names, the available-clause list and its listing.
 #include "querybuilder/xqb_field.h"
 
+#include <charconv>
+#include <string_view>
+
 #include "querybuilder/clause_catalogue.h"
 #include "querybuilder/db_name.h"
 #include "runtime/error.h"
@@ -32,7 +35,12 @@ void xqb_Field::SetShowAsType(qbe_DataType value) {
 }
 
 bool xqb_Field::ClauseAvailable(qbe_ClauseOperator clause) const {
-  return available_clauses_.find(Enclosed(clause)) != std::string::npos;
+  // "|N|" written on the stack: this is asked for every clause of every field on each load and
+  // each listing of the available clauses.
+  char text[24] = {'|'};
+  char* end = std::to_chars(text + 1, text + sizeof text - 1, static_cast<long long>(clause)).ptr;
+  *end++ = '|';
+  return available_clauses_.find(std::string_view(text, end - text)) != std::string::npos;
 }
 
 void xqb_Field::SetClauseAvailable(qbe_ClauseOperator clause) {

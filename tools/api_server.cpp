@@ -10,13 +10,13 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <iostream>
-#include <mutex>
 
 #include "querybuilder/xqb_query.h"
 #include "runtime/error_numbers.h"
 #include "tools/api_error.h"
+#include "tools/command_line.h"
 #include "tools/file_access.h"
+#include "tools/render_body.h"
 #include "tools/render_service.h"
 #include "tools/statement_json.h"
 
@@ -69,7 +69,10 @@ std::string ErrorHex(std::int32_t number) {
 
 void SendJson(httplib::Response& response, int status, const nlohmann::json& body) {
   response.status = status;
-  response.set_content(DumpJson(body), kJson);
+  // What set_content does, without copying a large answer once more.
+  response.body = DumpJson(body);
+  response.headers.erase("Content-Type");
+  response.set_header("Content-Type", kJson);
 }
 
 nlohmann::json ErrorBody(const ApiError& error) {
@@ -102,6 +105,8 @@ nlohmann::json ParseBody(const httplib::Request& request) {
     return nlohmann::json::parse(request.body);
   } catch (const nlohmann::json::parse_error& error) {
     throw ApiError(400, "the body is not valid JSON (byte " + std::to_string(error.byte) + ")");
+  } catch (const nlohmann::json::out_of_range&) {
+    throw ApiError(400, "the body is not valid JSON (a number beyond the range of a double)");
   }
 }
 
@@ -140,7 +145,6 @@ void SendRecord(httplib::Response& response, int status, const StoredRecord& sto
 }
 
 void LogLine(const httplib::Request& request, const httplib::Response& response) {
-  static std::mutex mutex;
   const double milliseconds =
       std::chrono::duration<double, std::milli>(Clock::now() - request_start).count();
   std::time_t now = std::time(nullptr);
@@ -148,15 +152,17 @@ void LogLine(const httplib::Request& request, const httplib::Response& response)
   gmtime_r(&now, &utc);
   char stamp[32];
   std::strftime(stamp, sizeof stamp, "%Y-%m-%dT%H:%M:%SZ", &utc);
-  char line[160];
-  std::snprintf(line, sizeof line, "%s %s %d %zu %.2fms ", stamp, request.remote_addr.c_str(),
+  char head[160];
+  std::snprintf(head, sizeof head, "%s %s %d %zu %.2fms ", stamp, request.remote_addr.c_str(),
                 response.status, response.body.size(), milliseconds);
-  std::lock_guard lock(mutex);
   // The path as received may hold any byte; it is written escaped like a JSON string.
-  std::cerr
-      << line << request.method << ' '
-      << nlohmann::json(request.path).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
-      << '\n';
+  std::string line =
+      head + request.method + ' ' +
+      nlohmann::json(request.path).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) +
+      '\n';
+  // One write per line: standard error is unbuffered, so each piece would be a system call of
+  // its own, and the stream's lock keeps lines of concurrent requests whole.
+  std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 std::string StatusText(int status) {
@@ -176,16 +182,38 @@ std::string StatusText(int status) {
   }
 }
 
-// A definition posted as XML, its options in the query string: what curl sends most simply.
-nlohmann::json XmlRenderRequest(const httplib::Request& request) {
-  nlohmann::json body = {{"definition", request.body}};
+// The render options of a definition posted as XML, from the query string: what curl sends most
+// simply. "parts" is a comma-separated list, each "param" NAME=V1,V2 as brixq --param takes it.
+nlohmann::json XmlRenderOptions(const httplib::Request& request) {
+  nlohmann::json options = nlohmann::json::object();
   for (const char* name : {"top", "near"}) {
-    if (request.has_param(name)) body[name] = QueryNumber(request, name, 0);
+    if (request.has_param(name)) options[name] = QueryNumber(request, name, 0);
   }
   for (const char* name : {"date", "dialect"}) {
-    if (request.has_param(name)) body[name] = request.get_param_value(name);
+    if (request.has_param(name)) options[name] = request.get_param_value(name);
   }
-  return body;
+  if (request.has_param("parts")) {
+    nlohmann::json& parts = options["parts"] = nlohmann::json::array();
+    for (const std::string& part : SplitCommas(request.get_param_value("parts"))) {
+      parts.push_back(part);
+    }
+  }
+  const std::size_t params = request.get_param_value_count("param");
+  if (params > 0) {
+    nlohmann::json& list = options["params"] = nlohmann::json::array();
+    for (std::size_t i = 0; i < params; ++i) {
+      ParamValues param;
+      try {
+        param = ParseParam(request.get_param_value("param", i));
+      } catch (const UsageError&) {
+        throw ApiError(400, "each \"param\" must be NAME=V1,V2,...");
+      }
+      nlohmann::json& item = list.emplace_back(nlohmann::json::object());
+      item["name"] = std::move(param.name);
+      item["values"] = std::move(param.values);
+    }
+  }
+  return options;
 }
 
 // cpp-httplib listens with a backlog of 5: a burst of new connections (a page's assets, a load
@@ -313,7 +341,13 @@ std::string ApiServer::User(const Request& request) const {
 void ApiServer::Render(const Request& request, Response& response) {
   const std::string type = request.get_header_value("Content-Type");
   const bool xml = type.starts_with("application/xml") || type.starts_with("text/xml");
-  SendJson(response, 200, brixq::Render(xml ? XmlRenderRequest(request) : ParseBody(request)));
+  if (xml) {
+    SendJson(response, 200, RenderDefinition(request.body, XmlRenderOptions(request)));
+  } else if (std::optional<RenderBody> body = ReadRenderBody(request.body)) {
+    SendJson(response, 200, RenderDefinition(std::move(body->definition), body->options));
+  } else {
+    SendJson(response, 200, brixq::Render(ParseBody(request)));
+  }
 }
 
 void ApiServer::ListQueries(const Request& request, Response& response) {

@@ -30,22 +30,6 @@ Integer ParseInteger(std::string_view option, std::string_view text, Integer low
   return value;
 }
 
-ParamValues ParseParam(std::string_view text) {
-  std::size_t equals = text.find('=');
-  if (equals == std::string_view::npos || equals == 0) {
-    throw UsageError("--param needs NAME=V1,V2,..., not \"" + std::string(text) + "\"");
-  }
-  ParamValues param{std::string(text.substr(0, equals)), {}};
-  std::string_view values = text.substr(equals + 1);
-  for (std::size_t start = 0;;) {
-    std::size_t comma = values.find(',', start);
-    param.values.emplace_back(values.substr(start, comma - start));
-    if (comma == std::string_view::npos) break;
-    start = comma + 1;
-  }
-  return param;
-}
-
 struct OptionRule {
   std::string_view name;
   bool takes_value;
@@ -251,6 +235,24 @@ void ParseArguments(const std::vector<std::string_view>& args, Options& options)
 std::int32_t ParseLongValue(std::string_view option, std::string_view text, std::int32_t low,
                             std::int32_t high) {
   return ParseInteger<std::int32_t>(option, text, low, high);
+}
+
+std::vector<std::string> SplitCommas(std::string_view text) {
+  std::vector<std::string> items;
+  for (std::size_t start = 0;;) {
+    std::size_t comma = text.find(',', start);
+    items.emplace_back(text.substr(start, comma - start));
+    if (comma == std::string_view::npos) return items;
+    start = comma + 1;
+  }
+}
+
+ParamValues ParseParam(std::string_view text) {
+  std::size_t equals = text.find('=');
+  if (equals == std::string_view::npos || equals == 0) {
+    throw UsageError("--param needs NAME=V1,V2,..., not \"" + std::string(text) + "\"");
+  }
+  return {std::string(text.substr(0, equals)), SplitCommas(text.substr(equals + 1))};
 }
 
 std::string_view CommandName(Command command) {

@@ -73,6 +73,12 @@ std::int32_t ParseLongValue(std::string_view option, std::string_view text, std:
                             std::int32_t high);
 
 /// The name of a command as typed.
+/// The comma-separated items of `text` ("" is one empty item).
+std::vector<std::string> SplitCommas(std::string_view text);
+
+/// NAME=V1,V2,... as --param takes it; raises `UsageError` without a name.
+ParamValues ParseParam(std::string_view text);
+
 std::string_view CommandName(Command command);
 
 }  // namespace brix::brixq

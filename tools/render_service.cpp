@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "querybuilder/clause_catalogue.h"
+#include "querybuilder/query_validator.h"
 #include "querybuilder/tree_walk.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/variant.h"
@@ -29,8 +30,10 @@ nlohmann::json ClauseJson(std::int32_t number) {
 }
 
 // The texts a render may be asked for, in the order they are computed.
-constexpr std::array<const char*, 6> kParts = {"sql",          "where",  "fullText",
-                                               "descriptions", "fields", "statements"};
+// "problems" (what Validate finds) is rendered only when asked for.
+constexpr std::array<const char*, 7> kParts = {"sql",    "where",      "fullText", "descriptions",
+                                               "fields", "statements", "problems"};
+constexpr unsigned kProblems = 1u << 6;
 
 // The request's members, checked.
 struct RenderRequest {
@@ -40,13 +43,13 @@ struct RenderRequest {
   std::optional<SqlDialect> dialect;
   std::int32_t top = 0;
   std::int16_t near = 33;
-  unsigned parts = (1u << kParts.size()) - 1;  // bit i: kParts[i] is wanted
+  unsigned parts = ((1u << kParts.size()) - 1) & ~kProblems;  // bit i: kParts[i] is wanted
 };
 
 unsigned PartsMember(const nlohmann::json& parts) {
   constexpr const char* kShape =
       "\"parts\" must be an array of \"sql\", \"where\", \"fullText\", \"descriptions\", "
-      "\"fields\" and \"statements\"";
+      "\"fields\", \"statements\" and \"problems\"";
   if (!parts.is_array()) throw ApiError(400, kShape);
   unsigned bits = 0;
   for (const nlohmann::json& part : parts) {
@@ -90,13 +93,9 @@ std::vector<std::pair<std::string, std::vector<std::string>>> ParamsMember(
   return out;
 }
 
-RenderRequest ParseRequest(const nlohmann::json& request) {
-  if (!request.is_object()) throw ApiError(400, "the body must be a JSON object");
+// The members other than "definition".
+RenderRequest ParseOptions(const nlohmann::json& request) {
   RenderRequest parsed;
-  if (!request.contains("definition") || !request["definition"].is_string()) {
-    throw ApiError(400, "\"definition\" is required: the definition document as text");
-  }
-  parsed.definition = request["definition"].get<std::string>();
   if (request.contains("date")) {
     if (request["date"].is_string())
       parsed.date = ParseDateTime(request["date"].get<std::string>());
@@ -137,23 +136,34 @@ nlohmann::json Descriptions(const xqb_Query& query) {
   nlohmann::json descriptions = nlohmann::json::array();
   ForEachCondition(
       query, [&](const xqb_Table& table, const xqb_Field& field, const xqb_Condition& condition) {
-        descriptions.push_back({{"id", condition.ConditionID()},
-                                {"text", query.DescribeCondition(table, field, condition)}});
+        nlohmann::json& item = descriptions.emplace_back(nlohmann::json::object());
+        item["id"] = condition.ConditionID();
+        item["text"] = query.DescribeCondition(table, field, condition);
       });
   return descriptions;
 }
 
 nlohmann::json FieldJson(const xqb_Table& table, const xqb_Field& field) {
+  // Members are assigned one by one: an initializer list would copy each nested value again,
+  // and the clause lists are most of a large answer.
   nlohmann::json clauses = nlohmann::json::array();
   // Numbers and names only: the Romanian texts are the catalogue's, sent once by its endpoint.
   for (std::int32_t clause : field.ReturnAvailableClauses()) {
-    clauses.push_back({{"number", clause}, {"name", ClauseName(clause)}});
+    nlohmann::json& item = clauses.emplace_back(nlohmann::json::object());
+    item["number"] = clause;
+    item["name"] = ClauseName(clause);
   }
-  return {{"table", table.DBName()},      {"field", field.DBName()},
-          {"caption", field.Caption()},   {"dataType", field.ShowAsType()},
-          {"dbType", field.DBType()},     {"controlType", field.ControlType()},
-          {"uiOrder", field.UIOrder()},   {"visible", field.IsVisible()},
-          {"clauses", std::move(clauses)}};
+  nlohmann::json out = nlohmann::json::object();
+  out["table"] = table.DBName();
+  out["field"] = field.DBName();
+  out["caption"] = field.Caption();
+  out["dataType"] = field.ShowAsType();
+  out["dbType"] = field.DBType();
+  out["controlType"] = field.ControlType();
+  out["uiOrder"] = field.UIOrder();
+  out["visible"] = field.IsVisible();
+  out["clauses"] = std::move(clauses);
+  return out;
 }
 
 // Tables in collection order; within a table the fields placed by UIOrder first, in that order,
@@ -186,6 +196,16 @@ nlohmann::json Statements(const xqb_Query& query, const RenderRequest& request) 
   return statements;
 }
 
+nlohmann::json Problems(const xqb_Query& query) {
+  nlohmann::json problems = nlohmann::json::array();
+  for (const QueryProblem& problem : query.Validate()) {
+    nlohmann::json& item = problems.emplace_back(nlohmann::json::object());
+    item["path"] = problem.path;
+    item["message"] = problem.message;
+  }
+  return problems;
+}
+
 nlohmann::json RenderPart(const xqb_Query& query, const RenderRequest& request, std::size_t part) {
   switch (part) {
     case 0:
@@ -198,8 +218,10 @@ nlohmann::json RenderPart(const xqb_Query& query, const RenderRequest& request, 
       return Descriptions(query);
     case 4:
       return Fields(query);
-    default:
+    case 5:
       return Statements(query, request);
+    default:
+      return Problems(query);
   }
 }
 
@@ -253,10 +275,7 @@ nlohmann::json ConditionErrors(const RenderRequest& request) {
   return errors;
 }
 
-}  // namespace
-
-nlohmann::json Render(const nlohmann::json& body) {
-  RenderRequest request = ParseRequest(body);
+nlohmann::json RenderRequested(const RenderRequest& request) {
   std::optional<ScopedRequestDate> date;
   if (request.date) date.emplace(*request.date);
   try {
@@ -269,6 +288,25 @@ nlohmann::json Render(const nlohmann::json& body) {
     if (!failing.empty()) extra["conditionErrors"] = std::move(failing);
     throw ApiError(422, error.Number(), error.Source(), error.Description(), std::move(extra));
   }
+}
+
+}  // namespace
+
+nlohmann::json Render(const nlohmann::json& body) {
+  if (!body.is_object()) throw ApiError(400, "the body must be a JSON object");
+  const auto definition = body.find("definition");
+  if (definition == body.end() || !definition->is_string()) {
+    throw ApiError(400, "\"definition\" is required: the definition document as text");
+  }
+  RenderRequest request = ParseOptions(body);
+  request.definition = definition->get<std::string>();
+  return RenderRequested(request);
+}
+
+nlohmann::json RenderDefinition(std::string definition, const nlohmann::json& options) {
+  RenderRequest request = ParseOptions(options);
+  request.definition = std::move(definition);
+  return RenderRequested(request);
 }
 
 nlohmann::json ClauseCatalogue() {

@@ -24,6 +24,8 @@ catalog   import: stores each definition FILE as a saved query (ID and Name from
 
 --catalog URL   sqlite:PATH, postgresql://... or a libpq conninfo; default
                 sqlite:$XDG_DATA_HOME/brixobjects4/catalog.db (~/.local/share/... without it)
+--threads N     connections served at once (default 128): a kept-alive connection holds a
+                worker thread until it closes, so N is at least the clients expected at once
 )";
 
 // Splits "--name=value" / "--name value"; returns the value or raises.

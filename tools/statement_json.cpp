@@ -26,11 +26,15 @@ nlohmann::json StatementObject(const ParameterizedStatement& statement, SqlDiale
   nlohmann::json parameters = nlohmann::json::array();
   for (std::size_t i = 0; i < statement.parameters.size(); ++i) {
     const SqlParameter& parameter = statement.parameters[i];
-    parameters.push_back({{"placeholder", Placeholder(dialect, i + 1)},
-                          {"type", SqlTypeName(parameter.type)},
-                          {"value", ParameterValueJson(parameter)}});
+    nlohmann::json& item = parameters.emplace_back(nlohmann::json::object());
+    item["placeholder"] = Placeholder(dialect, i + 1);
+    item["type"] = SqlTypeName(parameter.type);
+    item["value"] = ParameterValueJson(parameter);
   }
-  return {{"sql", statement.text}, {"parameters", std::move(parameters)}};
+  nlohmann::json out = nlohmann::json::object();
+  out["sql"] = statement.text;
+  out["parameters"] = std::move(parameters);
+  return out;
 }
 
 std::string DumpJson(const nlohmann::json& value) {

@@ -342,20 +342,80 @@ TEST_F(Serve, RendersTheTextsOfTheCommandLine) {
   }
 }
 
-TEST_F(Serve, RendersADefinitionPostedAsXmlAndOnlyThePartsAsked) {
-  auto result = server_->Client().Post("/api/render?top=3&dialect=sqlite",
-                                       ReadFile(kExamples + "/orders.xml"), "application/xml");
-  ASSERT_EQ(StatusOf(result), 200) << result->body;
-  json answer = Body(result);
-  EXPECT_EQ(answer["sql"], RunBrixq("sql --top 3 " + kExamples + "/orders.xml"));
-  EXPECT_FALSE(answer["statements"].contains("postgresql"));
-  ExpectError(server_->Client().Post("/api/render?top=x", "<x/>", "application/xml"), 400, 0,
-              "brixq serve", "top must be a whole number");
-  // Only the texts asked for.
-  json request = {{"definition", ReadFile(kExamples + "/orders.xml")}, {"parts", {"where", "sql"}}};
-  answer = Body(server_->Client().Post("/api/render", request.dump(), kJson));
-  EXPECT_EQ(answer.size(), 2u);
-  EXPECT_EQ(answer["where"], RunBrixq("where " + kExamples + "/orders.xml"));
+// The document posted as it is, its options in the query string, answers as the JSON form does;
+// the answer holds the texts asked for and no others.
+TEST_F(Serve, RendersADefinitionPostedAsXmlAsTheJsonForm) {
+  struct Case {
+    std::string sample;
+    std::string query;
+    json options;
+    std::size_t members;
+  };
+  const std::vector<Case> cases = {
+      {"orders.xml",
+       "top=3&near=5&dialect=sqlite",
+       {{"top", 3}, {"near", 5}, {"dialect", "sqlite"}},
+       6},
+      {"legal_documents.xml",
+       "date=2024-03-15&parts=fullText,descriptions",
+       {{"date", "2024-03-15"}, {"parts", {"fullText", "descriptions"}}},
+       2},
+      // Parameter values make conditions with drawn IDs: their descriptions are left out.
+      {"parameter_query.xml",
+       "param=Oras%3DCluj,Iasi&param=Oras%3DBrasov&parts=sql,statements",
+       {{"params",
+         {{{"name", "Oras"}, {"values", {"Cluj", "Iasi"}}},
+          {{"name", "Oras"}, {"values", {"Brasov"}}}}},
+        {"parts", {"sql", "statements"}}},
+       2},
+  };
+  auto client = server_->Client();
+  for (const Case& c : cases) {
+    const std::string definition = ReadFile(kExamples + "/" + c.sample);
+    json request = c.options;
+    request["definition"] = definition;
+    auto as_json = client.Post("/api/render", request.dump(), kJson);
+    auto as_xml = client.Post(("/api/render?" + c.query).c_str(), definition, "application/xml");
+    ASSERT_EQ(StatusOf(as_xml), 200) << as_xml->body;
+    EXPECT_EQ(Body(as_xml), Body(as_json)) << c.query;
+    EXPECT_EQ(Body(as_xml).size(), c.members) << c.query;
+  }
+  struct Bad {
+    std::string query;
+    std::string description_start;
+  };
+  for (const Bad& bad : std::vector<Bad>{{"top=x", "top must be a whole number"},
+                                         {"param=Oras", "each \"param\" must be NAME="},
+                                         {"param=Oras=Cluj", "each \"param\" must be NAME="},
+                                         {"parts=sql,all", "\"parts\" must be"},
+                                         {"dialect=oracle", "\"dialect\" must be"}}) {
+    ExpectError(client.Post(("/api/render?" + bad.query).c_str(), "<x/>", "application/xml"), 400,
+                0, "brixq serve", bad.description_start);
+  }
+}
+
+// The definition's problems come only when asked for, one per line of brixq check.
+TEST_F(Serve, ListsTheProblemsOfADefinitionWhenAsked) {
+  std::string faulty = ReadFile(kExamples + "/orders.xml");
+  const std::string quantity = "<Value>2</Value>";
+  faulty.replace(faulty.find(quantity), quantity.size(), "<Value>two</Value>");
+  const std::string dir = TempDir();
+  std::ofstream(dir + "/faulty.xml", std::ios::binary) << faulty;
+  std::vector<std::string> expected = Lines(RunBrixq("check " + dir + "/faulty.xml"));
+  fs::remove_all(dir);
+  ASSERT_FALSE(expected.empty());
+
+  auto client = server_->Client();
+  json request = {{"definition", faulty}, {"parts", {"problems", "where"}}};
+  json answer = Body(client.Post("/api/render", request.dump(), kJson));
+  std::vector<std::string> problems;
+  for (const json& problem : answer["problems"]) {
+    problems.push_back(problem["path"].get<std::string>() + ": " +
+                       problem["message"].get<std::string>());
+  }
+  EXPECT_EQ(problems, expected);
+  request.erase("parts");
+  EXPECT_FALSE(Body(client.Post("/api/render", request.dump(), kJson)).contains("problems"));
 }
 
 TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
@@ -376,6 +436,8 @@ TEST_F(Serve, AnswersHostileRequestsWithErrorsAndKeepsServing) {
       {"POST", "/api/render", "{\"definition\": ",           400, 0, ours, "the body is not valid JSON"},
       {"POST", "/api/render", "{\"definition\": \"\xff\xfe\"}", 400, 0, ours, "the body is not valid JSON"},
       {"POST", "/api/render", "[1, 2]",                      400, 0, ours, "the body must be a JSON object"},
+      {"POST", "/api/render", "{\"top\": 1e999}",           400, 0, ours, "the body is not valid JSON"},
+      {"PUT", "/api/queries/x", "{\"Name\": -1e999}",        400, 0, ours, "the body is not valid JSON"},
       {"POST", "/api/render", "{\"definition\": 5}",         400, 0, ours, "\"definition\" is required"},
       {"POST", "/api/render", with({{"date", "2024-02-30"}}), 400, 0, ours, "\"date\" must be"},
       {"POST", "/api/render", with({{"top", -1}}),           400, 0, ours, "\"top\" must be a whole number from 0"},
