@@ -18,7 +18,7 @@
 #include "persistence/bin_base64.h"
 #include "persistence/xml_markup_check.h"
 #include "persistence/xml_text_decoder.h"
-#include "querybuilder/definition_rows.h"
+#include "querybuilder/definition_shape.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
@@ -77,18 +77,6 @@ inline bool SameBytes(const char* a, const char* b, std::size_t size) {
   }
   return true;
 }
-
-/// How the objects of one class own those of the next: the count element and the child elements
-/// (class and name prefix; child n is named prefix + n).
-struct ChildShape {
-  std::string_view count_name;
-  std::string_view type;
-  std::string_view prefix;
-};
-
-constexpr ChildShape kTables{"TablesCount", "xqb_Table", "Table"};
-constexpr ChildShape kFields{"FieldsCount", "xqb_Field", "Field"};
-constexpr ChildShape kConditions{"ConditionsCount", "xqb_Condition", "Condition"};
 
 /// An attribute as it stands in the text.
 struct Attribute {
@@ -281,11 +269,10 @@ class DefinitionTextReader {
     bool has_query = false;
     StartTag tag;
     while (NextChild(bag, tag)) {
-      if (tag.name == "xqb_Query") {
+      if (tag.name == DefinitionShape<xqb_Query>::kElement) {
         if (has_query) Irregular();
         has_query = true;
-        ReadOwner(query, tag, QueryRows(), kTables, &xqb_Query::SetTables,
-                  &xqb_Tables::AddObjectTable);
+        ReadObject(query, tag);
       } else {
         ReadUnknown(tag);
       }
@@ -524,25 +511,44 @@ class DefinitionTextReader {
 
   // --- objects ---
 
-  /// Reads an object that owns a collection: its rows as they come, its children in the order of
-  /// their numbers, then a new collection holding child 1 to the count (a number without an
-  /// element gives a child at its defaults).
-  template <class T, class Collection, class Child>
-  void ReadOwner(T& owner, const StartTag& tag, const std::vector<Row<T>>& rows,
-                 const ChildShape& shape, void (T::*set_collection)(std::shared_ptr<Collection>),
-                 void (Collection::*add)(std::shared_ptr<Child>)) {
-    RowFiller<T> filler(owner, rows, budget_);
+  /// Reads an object: its rows as they come and, when it owns a collection, its children in the
+  /// order of their numbers, then a new collection holding child 1 to the count (a number
+  /// without an element gives a child at its defaults).
+  template <class T>
+  void ReadObject(T& object, const StartTag& tag) {
+    using Shape = DefinitionShape<T>;
+    RowFiller<T> filler(object, Shape::Rows(), budget_);
+    if constexpr (OwnsChildren<T>) {
+      ReadOwner(object, tag, filler);
+    } else {
+      StartTag child;
+      while (NextChild(tag, child, filler.Expected())) {
+        const PropertyValue value = ReadValue(child);
+        if (!filler.Take(child.name, value, child.expected) && child.name == "PropertyBag") {
+          Irregular();
+        }
+      }
+      filler.Finish();
+    }
+  }
+
+  template <class T>
+  void ReadOwner(T& owner, const StartTag& tag, RowFiller<T>& filler) {
+    using Shape = DefinitionShape<T>;
+    using Child = typename Shape::Child;
+    constexpr std::string_view child_element = DefinitionShape<Child>::kElement;
+    constexpr ChildNaming naming = Shape::kChildren;
     std::vector<std::shared_ptr<Child>> children;
     std::optional<std::int32_t> count;
     StartTag child;
     // A saved object writes its rows, its count, then its children.
     auto expected = [&] {
       const std::string_view row = filler.Expected();
-      return !row.empty() ? row : count ? shape.type : shape.count_name;
+      return !row.empty() ? row : count ? child_element : naming.count_name;
     };
     while (NextChild(tag, child, expected())) {
-      if (child.name == shape.type) {
-        CheckNumber(child, shape.prefix, children.size() + 1);
+      if (child.name == child_element) {
+        CheckNumber(child, naming.prefix, children.size() + 1);
         budget_.TakeObjects(1);
         children.push_back(Child::Create());
         ReadObject(*children.back(), child);
@@ -550,7 +556,7 @@ class DefinitionTextReader {
       }
       const PropertyValue value = ReadValue(child);
       if (filler.Take(child.name, value, child.expected)) continue;
-      if (child.name == shape.count_name) {
+      if (child.name == naming.count_name) {
         if (!count) {
           CheckLength(value, budget_);
           count = CLng(value.AsVariant());
@@ -560,17 +566,17 @@ class DefinitionTextReader {
       }
     }
     filler.Finish();
-    auto collection = Collection::Create();
-    (owner.*set_collection)(collection);
+    auto collection = Shape::Collection::Create();
+    (owner.*Shape::kSetCollection)(collection);
     const std::int32_t number = count.value_or(0);
     // Room for the children read; a count may claim more than the document holds.
     collection->Reserve(std::min(number, static_cast<std::int32_t>(children.size())));
     for (std::int32_t n = 1; n <= number; ++n) {
       if (static_cast<std::size_t>(n) <= children.size()) {
-        ((*collection).*add)(std::move(children[n - 1]));
+        ((*collection).*Shape::kAdd)(std::move(children[n - 1]));
       } else {
         budget_.TakeObjects(1);
-        ((*collection).*add)(Child::Create());
+        ((*collection).*Shape::kAdd)(Child::Create());
       }
     }
   }
@@ -587,27 +593,6 @@ class DefinitionTextReader {
         name.substr(prefix.size()) != std::string_view(digits, end - digits)) {
       Irregular();
     }
-  }
-
-  void ReadObject(xqb_Table& table, const StartTag& tag) {
-    ReadOwner(table, tag, TableRows(), kFields, &xqb_Table::SetFields, &xqb_Fields::AddObjectField);
-  }
-
-  void ReadObject(xqb_Field& field, const StartTag& tag) {
-    ReadOwner(field, tag, FieldRows(), kConditions, &xqb_Field::SetConditions,
-              &xqb_Conditions::AddObjectCondition);
-  }
-
-  void ReadObject(xqb_Condition& condition, const StartTag& tag) {
-    RowFiller<xqb_Condition> filler(condition, ConditionRows(), budget_);
-    StartTag child;
-    while (NextChild(tag, child, filler.Expected())) {
-      const PropertyValue value = ReadValue(child);
-      if (!filler.Take(child.name, value, child.expected) && child.name == "PropertyBag") {
-        Irregular();
-      }
-    }
-    filler.Finish();
   }
 
   const char* at_;
