@@ -143,19 +143,31 @@ void XmlLexer::Next(XmlEvent& event, std::string_view expected) {
       event.kind = XmlEvent::kEnd;
       return;
     }
-  } else if (!AtTag() && ReadText(event)) {
-    return;
+  } else if (!AtTag()) {
+    event.text = ReadText();
+    if (!event.text.empty()) {
+      event.kind = XmlEvent::kText;
+      return;
+    }
   }
   // At the "<" of a tag.
   if (at_ == end_ || *at_ != '<') Irregular();
   ++at_;
   if (Take('/')) {
-    ReadEndTag(event);
+    event.kind = XmlEvent::kEndTag;
+    event.name = ReadEndTag();
     return;
   }
   ReadStartTag(event, expected);
-  started_ = true;
-  if (!event.closed) open_.push_back(event.name);
+}
+
+std::string_view XmlLexer::TextThroughEnd() {
+  if (open_.empty()) Irregular();
+  const std::string_view text = AtTag() ? std::string_view() : ReadText();
+  if (!AtTag() || at_[1] != '/') Irregular();  // an element inside
+  at_ += 2;
+  ReadEndTag();
+  return text;
 }
 
 // --- characters ---
@@ -264,9 +276,9 @@ void XmlLexer::SkipInstruction() {
 
 // --- text ---
 
-/// Reads the text up to the next tag into `event`; false when there is none. Leaves the
-/// position at the tag's "<".
-bool XmlLexer::ReadText(XmlEvent& event) {
+/// Reads the text up to the next tag (empty when there is none), leaving the position at the
+/// tag's "<".
+std::string_view XmlLexer::ReadText() {
   std::string_view single;  // the one plain piece, while there is only one
   bool in_scratch = false;
   auto add = [&](std::string_view raw, bool character_data, bool plain) {
@@ -309,10 +321,7 @@ bool XmlLexer::ReadText(XmlEvent& event) {
       break;
     }
   }
-  event.text = in_scratch ? std::string_view(text_scratch_) : single;
-  if (event.text.empty()) return false;
-  event.kind = XmlEvent::kText;
-  return true;
+  return in_scratch ? std::string_view(text_scratch_) : single;
 }
 
 // --- tags ---
@@ -326,15 +335,22 @@ void XmlLexer::ReadStartTag(XmlEvent& event, std::string_view expected) {
   const std::size_t size = expected.size();
   event.expected = size != 0 && static_cast<std::size_t>(end_ - at_) > size &&
                    SameBytes(at_, expected.data(), size) && !Is(at_[size], kNameChar);
+  std::string_view name;
   if (event.expected) {
-    event.name = {at_, size};
+    name = {at_, size};
     at_ += size;
   } else {
-    event.name = Name();
+    name = Name();
   }
+  event.name = name;
   event.attribute_count = 0;
   event.closed = false;
-  if (Take('>')) return;
+  started_ = true;
+  // The name is pushed from here, where it is at hand, not read back from the event.
+  if (Take('>')) {
+    open_.push_back(name);
+    return;
+  }
   for (;;) {
     const char* before = at_;
     SkipSpace();
@@ -342,7 +358,10 @@ void XmlLexer::ReadStartTag(XmlEvent& event, std::string_view expected) {
       event.closed = true;
       return;
     }
-    if (Take('>')) return;
+    if (Take('>')) {
+      open_.push_back(name);
+      return;
+    }
     if (at_ == before || event.attribute_count == event.attributes.size()) Irregular();
     const std::size_t index = event.attribute_count++;
     XmlAttribute& attribute = event.attributes[index];
@@ -374,8 +393,8 @@ void XmlLexer::ReadAttribute(XmlAttribute& attribute, std::string& scratch) {
   attribute.value = scratch;
 }
 
-/// The end tag after its "</": it must close the element open innermost.
-inline void XmlLexer::ReadEndTag(XmlEvent& event) {
+/// The end tag after its "</": it must close the element open innermost. Returns its name.
+inline std::string_view XmlLexer::ReadEndTag() {
   if (open_.empty()) Irregular();
   const std::string_view name = open_.back();
   if (static_cast<std::size_t>(end_ - at_) < name.size() ||
@@ -386,8 +405,7 @@ inline void XmlLexer::ReadEndTag(XmlEvent& event) {
   SkipSpace();
   if (!Take('>')) Irregular();
   open_.pop_back();
-  event.kind = XmlEvent::kEndTag;
-  event.name = name;
+  return name;
 }
 
 }  // namespace brix

@@ -58,6 +58,10 @@ class XmlLexer {
   /// compared first to spare scanning the name.
   void Next(XmlEvent& event, std::string_view expected = {});
 
+  /// Reads the rest of the element whose start tag was just read, when it holds text alone:
+  /// the events `Next` would give, its text (empty when none) and its end tag, at once.
+  std::string_view TextThroughEnd();
+
  private:
   bool AtTag() const;
   void SkipSpace();
@@ -71,10 +75,10 @@ class XmlLexer {
   bool SkipCommentOrInstruction();
   void SkipComment();
   void SkipInstruction();
-  bool ReadText(XmlEvent& event);
+  std::string_view ReadText();
   void ReadStartTag(XmlEvent& event, std::string_view expected);
   void ReadAttribute(XmlAttribute& attribute, std::string& scratch);
-  void ReadEndTag(XmlEvent& event);
+  std::string_view ReadEndTag();
 
   const char* at_;
   const char* end_;

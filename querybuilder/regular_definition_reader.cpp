@@ -181,14 +181,7 @@ class DefinitionTextReader {
                    : kind == "NOTHING" ? PropertyValue::kNothing
                                        : PropertyValue::kMarkedText;
     }
-    if (tag.closed) return value;
-    // Text alone, then the end tag: nested markup ends the pass.
-    lexer_.Next(event_);
-    if (event_.kind == XmlEvent::kText) {
-      value.text = event_.text;
-      lexer_.Next(event_);
-    }
-    if (event_.kind != XmlEvent::kEndTag) Irregular();
+    if (!tag.closed) value.text = lexer_.TextThroughEnd();  // nested markup ends the pass
     return value;
   }
 
@@ -286,7 +279,6 @@ class DefinitionTextReader {
 
   XmlLexer lexer_;
   XMLReadBudget& budget_;
-  XmlEvent event_;  // the text and end tag of a value
 };
 
 }  // namespace
