@@ -30,47 +30,47 @@ struct ChildNaming {
 template <class T>
 struct DefinitionShape;
 
+/// What an owner's shape adds: the children's class and collection, how the owner gives and
+/// takes the collection, and how a child is added to it.
+template <class ChildT, class CollectionT, auto collection, auto set_collection, auto add>
+struct OwnerShape {
+  using Child = ChildT;
+  using Collection = CollectionT;
+  static constexpr auto kCollection = collection;
+  static constexpr auto kSetCollection = set_collection;
+  static constexpr auto kAdd = add;
+};
+
 template <>
-struct DefinitionShape<xqb_Query> {
+struct DefinitionShape<xqb_Query> : OwnerShape<xqb_Table, xqb_Tables, &xqb_Query::Tables,
+                                               &xqb_Query::SetTables, &xqb_Tables::AddObjectTable> {
   static constexpr std::string_view kElement = "xqb_Query";
-  static const std::vector<Row<xqb_Query>>& Rows() { return QueryRows(); }
-  using Child = xqb_Table;
-  using Collection = xqb_Tables;
   static constexpr ChildNaming kChildren{"TablesCount", "Table"};
-  static constexpr auto kCollection = &xqb_Query::Tables;
-  static constexpr auto kSetCollection = &xqb_Query::SetTables;
-  static constexpr auto kAdd = &xqb_Tables::AddObjectTable;
+  static const std::vector<Row<xqb_Query>>& Rows() { return QueryRows(); }
 };
 
 template <>
-struct DefinitionShape<xqb_Table> {
+struct DefinitionShape<xqb_Table> : OwnerShape<xqb_Field, xqb_Fields, &xqb_Table::Fields,
+                                               &xqb_Table::SetFields, &xqb_Fields::AddObjectField> {
   static constexpr std::string_view kElement = "xqb_Table";
-  static const std::vector<Row<xqb_Table>>& Rows() { return TableRows(); }
-  using Child = xqb_Field;
-  using Collection = xqb_Fields;
   static constexpr ChildNaming kChildren{"FieldsCount", "Field"};
-  static constexpr auto kCollection = &xqb_Table::Fields;
-  static constexpr auto kSetCollection = &xqb_Table::SetFields;
-  static constexpr auto kAdd = &xqb_Fields::AddObjectField;
+  static const std::vector<Row<xqb_Table>>& Rows() { return TableRows(); }
 };
 
 template <>
-struct DefinitionShape<xqb_Field> {
+struct DefinitionShape<xqb_Field>
+    : OwnerShape<xqb_Condition, xqb_Conditions, &xqb_Field::Conditions, &xqb_Field::SetConditions,
+                 &xqb_Conditions::AddObjectCondition> {
   static constexpr std::string_view kElement = "xqb_Field";
-  static const std::vector<Row<xqb_Field>>& Rows() { return FieldRows(); }
-  using Child = xqb_Condition;
-  using Collection = xqb_Conditions;
   static constexpr ChildNaming kChildren{"ConditionsCount", "Condition"};
-  static constexpr auto kCollection = &xqb_Field::Conditions;
-  static constexpr auto kSetCollection = &xqb_Field::SetConditions;
-  static constexpr auto kAdd = &xqb_Conditions::AddObjectCondition;
+  static const std::vector<Row<xqb_Field>>& Rows() { return FieldRows(); }
 };
 
 template <>
 struct DefinitionShape<xqb_Condition> {
+  using Child = void;
   static constexpr std::string_view kElement = "xqb_Condition";
   static const std::vector<Row<xqb_Condition>>& Rows() { return ConditionRows(); }
-  using Child = void;
 };
 
 /// Whether objects of class `T` own a collection of children.
