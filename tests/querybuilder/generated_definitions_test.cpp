@@ -119,7 +119,9 @@ std::string Join(const Tokens& tokens) {
   return text;
 }
 
-bool IsStart(const std::string& t) { return t.size() > 1 && t[0] == '<' && std::isalpha(t[1]); }
+bool IsStart(const std::string& t) {
+  return t.size() > 1 && t[0] == '<' && std::isalpha(static_cast<unsigned char>(t[1]));
+}
 bool IsEnd(const std::string& t) { return t.starts_with("</"); }
 bool IsClosed(const std::string& t) { return IsStart(t) && t.ends_with("/>"); }
 
