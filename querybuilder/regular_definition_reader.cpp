@@ -28,6 +28,9 @@ namespace {
 
 [[noreturn]] void Irregular() { throw IrregularXml{}; }
 
+/// The element a bag's document holds its objects in.
+constexpr std::string_view kBagElement = "PropertyBag";
+
 /// The attributes the bag writes on a byte array's element.
 constexpr std::array<XmlAttribute, 2> kBinBase64Attributes{
     XmlAttribute{"xmlns:dt", kDatatypesNamespace}, XmlAttribute{"dt:dt", "bin.base64"}};
@@ -139,7 +142,7 @@ class DefinitionTextReader {
   void ReadDocument(xqb_Query& query) {
     XmlEvent bag;
     lexer_.Next(bag);
-    if (bag.name != "PropertyBag" || bag.closed) Irregular();
+    if (bag.name != kBagElement || bag.closed) Irregular();
     bool has_query = false;
     XmlEvent tag;
     while (NextChild(bag, tag)) {
@@ -188,7 +191,7 @@ class DefinitionTextReader {
   /// An element no row reads: skipped when it holds text alone. Markup inside it could hold
   /// another "PropertyBag" path that the bag's document-wide lookups would see.
   void ReadUnknown(const XmlEvent& tag) {
-    if (tag.name == "PropertyBag") Irregular();
+    if (tag.name == kBagElement) Irregular();
     ReadValue(tag);
   }
 
@@ -205,7 +208,7 @@ class DefinitionTextReader {
       XmlEvent child;
       while (NextChild(tag, child, filler.Expected())) {
         const PropertyValue value = ReadValue(child);
-        if (!filler.Take(child.name, value, child.expected) && child.name == "PropertyBag") {
+        if (!filler.Take(child.name, value, child.expected) && child.name == kBagElement) {
           Irregular();
         }
       }
@@ -242,7 +245,7 @@ class DefinitionTextReader {
           CheckLength(value, budget_);
           count = CLng(value.AsVariant());
         }
-      } else if (child.name == "PropertyBag") {
+      } else if (child.name == kBagElement) {
         Irregular();
       }
     }
