@@ -25,6 +25,8 @@ set(BRIX_PERSISTENCE_SOURCES
   persistence/record_row.h
   persistence/shared_xml_document.cpp
   persistence/shared_xml_document.h
+  persistence/xml_lexer.cpp
+  persistence/xml_lexer.h
   persistence/xml_markup_check.cpp
   persistence/xml_markup_check.h
   persistence/xml_path_index.cpp

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "persistence/xml_prop_bag.h"
-#include "querybuilder/definition_rows.h"
+#include "querybuilder/definition_shape.h"
 #include "runtime/conversions.h"
 #include "runtime/error.h"
 
@@ -72,11 +72,13 @@ void ReadRows(const std::vector<Row<T>>& rows, T& object, XMLPropBag& bag) {
 }
 
 // The owner writes a count and then child n under `prefix` + n, taken by position.
-template <class Collection>
-void WriteChildren(const Collection& children, const char* count_name, const std::string& prefix,
-                   XMLPropBag& bag) {
+template <class T>
+void WriteChildren(const T& owner, XMLPropBag& bag) {
+  using Shape = DefinitionShape<T>;
+  const auto& children = *(owner.*Shape::kCollection)();
   std::int32_t count = children.Count();
-  bag.WriteProperty(count_name, Variant(count));
+  bag.WriteProperty(Shape::kChildren.count_name, Variant(count));
+  const std::string prefix(Shape::kChildren.prefix);
   for (std::int32_t n = 1; n <= count; ++n) {
     bag.WriteProperty(prefix + std::to_string(n), Variant(children.Item(Variant(n))));
   }
@@ -84,62 +86,58 @@ void WriteChildren(const Collection& children, const char* count_name, const std
 
 // Children come back in the order of their numbers: child n is filled from the nested element
 // named "<prefix>n", whatever its place in the document; a missing one stays at its defaults.
-template <class Child, class Collection>
-void ReadChildren(Collection& children, void (Collection::*add)(std::shared_ptr<Child>),
-                  const char* count_name, const std::string& prefix, XMLPropBag& bag) {
+template <class T>
+void ReadChildren(T& owner, XMLPropBag& bag) {
+  using Shape = DefinitionShape<T>;
+  using Child = typename Shape::Child;
+  auto children = Shape::Collection::Create();
+  (owner.*Shape::kSetCollection)(children);
+  const std::string_view count_name = Shape::kChildren.count_name;
   const std::int32_t count = Converted(bag, count_name, bag.ReadProperty(count_name, Variant(0)),
                                        [](const Variant& v) { return CLng(v); });
+  const std::string prefix(Shape::kChildren.prefix);
   for (std::int32_t n = 1; n <= count; ++n) {
     std::shared_ptr<Child> child = Child::Create();
-    const std::string name = prefix + std::to_string(n);
-    bag.ReadProperty(name, Variant(child));
-    (children.*add)(std::move(child));
+    bag.ReadProperty(prefix + std::to_string(n), Variant(child));
+    ((*children).*Shape::kAdd)(std::move(child));
   }
+}
+
+template <class T>
+void WriteObject(const T& object, XMLPropBag& bag) {
+  WriteRows(DefinitionShape<T>::Rows(), object, bag);
+  if constexpr (OwnsChildren<T>) WriteChildren(object, bag);
+}
+
+template <class T>
+void ReadObject(T& object, XMLPropBag& bag) {
+  ReadRows(DefinitionShape<T>::Rows(), object, bag);
+  if constexpr (OwnsChildren<T>) ReadChildren(object, bag);
 }
 
 }  // namespace
 
-void xqb_Query::WriteProperties(XMLPropBag& PropertyBag) {
-  WriteRows(QueryRows(), *this, PropertyBag);
-  WriteChildren(*Tables(), "TablesCount", "Table", PropertyBag);
+std::string xqb_Query::TypeName() const {
+  return std::string(DefinitionShape<xqb_Query>::kElement);
+}
+std::string xqb_Table::TypeName() const {
+  return std::string(DefinitionShape<xqb_Table>::kElement);
+}
+std::string xqb_Field::TypeName() const {
+  return std::string(DefinitionShape<xqb_Field>::kElement);
+}
+std::string xqb_Condition::TypeName() const {
+  return std::string(DefinitionShape<xqb_Condition>::kElement);
 }
 
-void xqb_Query::ReadProperties(XMLPropBag& PropertyBag) {
-  ReadRows(QueryRows(), *this, PropertyBag);
-  SetTables(xqb_Tables::Create());
-  ReadChildren(*Tables(), &xqb_Tables::AddObjectTable, "TablesCount", "Table", PropertyBag);
-}
-
-void xqb_Table::WriteProperties(XMLPropBag& PropertyBag) {
-  WriteRows(TableRows(), *this, PropertyBag);
-  WriteChildren(*Fields(), "FieldsCount", "Field", PropertyBag);
-}
-
-void xqb_Table::ReadProperties(XMLPropBag& PropertyBag) {
-  ReadRows(TableRows(), *this, PropertyBag);
-  SetFields(xqb_Fields::Create());
-  ReadChildren(*Fields(), &xqb_Fields::AddObjectField, "FieldsCount", "Field", PropertyBag);
-}
-
-void xqb_Field::WriteProperties(XMLPropBag& PropertyBag) {
-  WriteRows(FieldRows(), *this, PropertyBag);
-  WriteChildren(*Conditions(), "ConditionsCount", "Condition", PropertyBag);
-}
-
-void xqb_Field::ReadProperties(XMLPropBag& PropertyBag) {
-  ReadRows(FieldRows(), *this, PropertyBag);
-  SetConditions(xqb_Conditions::Create());
-  ReadChildren(*Conditions(), &xqb_Conditions::AddObjectCondition, "ConditionsCount", "Condition",
-               PropertyBag);
-}
-
-void xqb_Condition::WriteProperties(XMLPropBag& PropertyBag) {
-  WriteRows(ConditionRows(), *this, PropertyBag);
-}
-
-void xqb_Condition::ReadProperties(XMLPropBag& PropertyBag) {
-  ReadRows(ConditionRows(), *this, PropertyBag);
-}
+void xqb_Query::WriteProperties(XMLPropBag& PropertyBag) { WriteObject(*this, PropertyBag); }
+void xqb_Query::ReadProperties(XMLPropBag& PropertyBag) { ReadObject(*this, PropertyBag); }
+void xqb_Table::WriteProperties(XMLPropBag& PropertyBag) { WriteObject(*this, PropertyBag); }
+void xqb_Table::ReadProperties(XMLPropBag& PropertyBag) { ReadObject(*this, PropertyBag); }
+void xqb_Field::WriteProperties(XMLPropBag& PropertyBag) { WriteObject(*this, PropertyBag); }
+void xqb_Field::ReadProperties(XMLPropBag& PropertyBag) { ReadObject(*this, PropertyBag); }
+void xqb_Condition::WriteProperties(XMLPropBag& PropertyBag) { WriteObject(*this, PropertyBag); }
+void xqb_Condition::ReadProperties(XMLPropBag& PropertyBag) { ReadObject(*this, PropertyBag); }
 
 void ReadDefinitionThroughBag(std::string_view xml_text, xqb_Query& query,
                               const XMLReadLimits& limits) {

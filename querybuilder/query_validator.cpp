@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "querybuilder/clause_catalogue.h"
+#include "querybuilder/definition_shape.h"
 #include "querybuilder/sql_dialect.h"
 #include "querybuilder/where_walk.h"
 #include "querybuilder/xqb_query.h"
@@ -103,12 +104,17 @@ class Walk {
   }
 
   void Run() {
+    // Paths name the elements of the saved document.
+    const std::string table_prefix = std::string(DefinitionShape<xqb_Query>::kElement) + "/" +
+                                     std::string(DefinitionShape<xqb_Query>::kChildren.prefix);
+    const std::string field_prefix =
+        "/" + std::string(DefinitionShape<xqb_Table>::kChildren.prefix);
     int t = 0;
     for (const auto& table : *query_.Tables()) {
-      std::string table_path = "xqb_Query/Table" + std::to_string(++t);
+      std::string table_path = table_prefix + std::to_string(++t);
       int f = 0;
       for (const auto& field : *table->Fields()) {
-        CheckField(*field, table_path + "/Field" + std::to_string(++f));
+        CheckField(*field, table_path + field_prefix + std::to_string(++f));
       }
     }
   }

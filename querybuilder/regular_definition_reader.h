@@ -13,9 +13,9 @@ namespace brix {
 /// the shape every saved definition has: after an optional declaration, one "PropertyBag" element
 /// holding one "xqb_Query" element; under each object, the children of the next class named by
 /// their numbers in order; property values of text, references and CDATA sections, marked at most
-/// by a "vartype" attribute; no comments, processing instructions or nested markup inside. For
-/// such a document every lookup of the bag finds the element this reader reads, so the objects
-/// read the same.
+/// by a "vartype" attribute; no nested markup inside (comments and processing instructions are
+/// dropped, as the parser drops them). For such a document every lookup of the bag finds the
+/// element this reader reads, so the objects read the same.
 ///
 /// Returns false, having possibly changed `query`, when the document has another shape, is not
 /// well-formed, or a value does not convert: the caller then reads the document through the

@@ -26,6 +26,7 @@ set(BRIX_QUERYBUILDER_SOURCES
   querybuilder/db_name.h
   querybuilder/definition_rows.cpp
   querybuilder/definition_rows.h
+  querybuilder/definition_shape.h
   querybuilder/full_text_renderer.cpp
   querybuilder/full_text_renderer.h
   querybuilder/indexed_collection.cpp

@@ -20,7 +20,7 @@ class xqb_Condition : public IndexedItem, public IXMLPropBag {
   xqb_Condition(const xqb_Condition&) = delete;
   xqb_Condition& operator=(const xqb_Condition&) = delete;
 
-  std::string TypeName() const override { return "xqb_Condition"; }
+  std::string TypeName() const override;
 
   // Persistence in a query definition document (defined with the document's code).
   void WriteProperties(XMLPropBag& PropertyBag) override;

@@ -23,7 +23,7 @@ class xqb_Field : public IndexedItem, public IXMLPropBag {
   xqb_Field(const xqb_Field&) = delete;
   xqb_Field& operator=(const xqb_Field&) = delete;
 
-  std::string TypeName() const override { return "xqb_Field"; }
+  std::string TypeName() const override;
 
   // Persistence in a query definition document (defined with the document's code).
   void WriteProperties(XMLPropBag& PropertyBag) override;

@@ -31,7 +31,7 @@ class xqb_Query : public IXMLPropBag {
   xqb_Query(const xqb_Query&) = delete;
   xqb_Query& operator=(const xqb_Query&) = delete;
 
-  std::string TypeName() const override { return "xqb_Query"; }
+  std::string TypeName() const override;
 
   // Persistence in a query definition document (defined with the document's code).
   void WriteProperties(XMLPropBag& PropertyBag) override;

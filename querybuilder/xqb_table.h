@@ -18,7 +18,7 @@ class xqb_Table : public IndexedItem, public IXMLPropBag {
   xqb_Table(const xqb_Table&) = delete;
   xqb_Table& operator=(const xqb_Table&) = delete;
 
-  std::string TypeName() const override { return "xqb_Table"; }
+  std::string TypeName() const override;
 
   // Persistence in a query definition document (defined with the document's code).
   void WriteProperties(XMLPropBag& PropertyBag) override;

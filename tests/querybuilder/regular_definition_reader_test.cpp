@@ -14,57 +14,17 @@
 #include "persistence/xml_text_decoder.h"
 #include "runtime/error.h"
 #include "runtime/error_numbers.h"
+#include "tests/support/definition_outcome.h"
 #include "tests/support/random_query.h"
 
 namespace brix {
 namespace {
 
-struct Outcome {
-  bool loaded = false;
-  std::string saved;  // the tree saved again, when it loaded
-  std::int32_t number = 0;
-  std::string description;
-};
-
-bool operator==(const Outcome& a, const Outcome& b) {
-  return a.loaded == b.loaded && a.saved == b.saved && a.number == b.number &&
-         a.description == b.description;
-}
-
-std::ostream& operator<<(std::ostream& out, const Outcome& o) {
-  return out << (o.loaded ? "loaded: " + o.saved
-                          : "error " + std::to_string(o.number) + " " + o.description);
-}
-
-Outcome Run(const std::function<void(xqb_Query&)>& read) {
-  try {
-    auto query = xqb_Query::Create();
-    read(*query);
-    return {true, query->SaveXMLDef(), 0, {}};
-  } catch (const Error& error) {
-    return {false, {}, error.Number(), error.Description()};
-  }
-}
-
-Outcome ThroughBag(const std::string& text) {
-  return Run([&](xqb_Query& query) {
-    auto bag = XMLPropBag::Create();
-    bag->SetContents(text);
-    bag->RestoreState(&query);
-  });
-}
-
-/// LoadXMLDef, which reads directly when it can; its errors come wrapped, so only their
-/// inner description is compared.
-Outcome ThroughLoad(const std::string& text) {
-  return Run([&](xqb_Query& query) { query.LoadXMLDef(text); });
-}
-
-bool ReadsDirectly(const std::string& text) {
-  auto query = xqb_Query::Create();
-  XMLReadBudget budget;
-  return ReadRegularDefinition(text, *query, budget);
-}
+using test_support::LoadsAsThroughBag;
+using test_support::Outcome;
+using test_support::ReadsDirectly;
+using test_support::ThroughBag;
+using test_support::ThroughLoad;
 
 struct Edit {
   const char* what;
@@ -82,22 +42,11 @@ std::string Apply(const Edit& edit, std::string text) {
   return text;
 }
 
+// Edits the generated documents of the lexer's test do not make: values that do not convert,
+// markers, names and markup the reader must leave to the bag.
 const std::vector<Edit> kEdits = {
-    {"a property written twice: the first counts",
-     {{"<Clause>", "<Clause>7</Clause><Clause>"}},
-     true},
-    {"the last property ahead of its place", {{"<IsEditable>", "<Tag>x</Tag><IsEditable>"}}, false},
-    {"a property ahead of the one before it",
-     {{"<ParamName", "<Clause>3</Clause><ParamName"}},
-     false},
-    {"a count written twice: the first counts",
-     {{"<ConditionsCount>", "<ConditionsCount>0</ConditionsCount><ConditionsCount>"}},
-     true},
     {"a count written again after the children",
      {{"</xqb_Field>", "<ConditionsCount>0</ConditionsCount></xqb_Field>"}},
-     true},
-    {"a property missing",
-     {{"<WhereClauseLogic>", "<Gone>"}, {"</WhereClauseLogic>", "</Gone>"}},
      true},
     {"an unknown empty element", {{"<IsEditable>", "<Extra/><IsEditable>"}}, true},
     {"a number with blanks", {{"<ConditionID>", "<ConditionID> 0"}}, true},
@@ -108,14 +57,12 @@ const std::vector<Edit> kEdits = {
     {"a Boolean as a number", {{"<IsEditable>True", "<IsEditable>-1"}}, true},
     {"a Boolean in lower case", {{"<IsEditable>False", "<IsEditable>false"}}, true},
     {"a Null operand", {{"<Value>", "<Value vartype=\"null\">"}}, true},
-    {"a count above the children present", {{"<ConditionsCount>", "<ConditionsCount>9"}}, true},
     {"a negative count", {{"<ConditionsCount>", "<ConditionsCount>-"}}, true},
     {"a count as Null", {{"<FieldsCount>", "<FieldsCount vartype=\"null\">"}}, true},
     {"a condition named twice", {{"name=\"Condition2\"", "name=\"Condition1\""}}, false},
     {"a condition named by another attribute",
      {{"name=\"Condition1\"", "nam=\"Condition1\""}},
      false},
-    {"conditions out of order", {{"name=\"Condition1\"", "name=\"Condition3\""}}, false},
     {"markup inside a value",
      {{"<Tag>",
        "<Tag><PropertyBag><xqb_Query><TablesCount>0</TablesCount></xqb_Query>"
@@ -125,13 +72,9 @@ const std::vector<Edit> kEdits = {
     {"a declaration and a byte order mark",
      {{"<PropertyBag>", "\xEF\xBB\xBF<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n<PropertyBag>"}},
      true},
-    {"indented elements",
-     {{"<ConditionID>", "\r\n\t<ConditionID>"}, {"</Tag>", "</Tag>\n "}},
-     true},
     {"blanks and single quotes in tags",
      {{"name=\"Condition1\">", "name = 'Condition1' >"}, {"</Clause>", "</Clause\r\n>"}},
      true},
-    {"references in a value", {{"<Clause>", "<Clause>&#x31;&#50;"}}, true},
     {"every kind of text in one value",
      {{"<Tag/>",
        "<Tag>a&lt;&amp;&gt;&quot;&apos;&#x20aC;&#128512; <![CDATA[<b>\r\n]]> \r\n "
@@ -141,7 +84,6 @@ const std::vector<Edit> kEdits = {
     {"an empty marked value", {{"<Value>", "<Value vartype='Empty'>"}}, true},
     {"two attributes on a value", {{"<Value>", "<Value a='' b=''>AQID</Value><Value>"}}, false},
     {"a reference the parser keeps", {{"<Tag/>", "<Tag>&nbsp;</Tag>"}}, false},
-    {"a comment between properties", {{"<IsEditable>", "<!-- x --><IsEditable>"}}, false},
     {"a second attribute on a condition",
      {{"name=\"Condition1\"", "name=\"Condition1\" x=\"\""}},
      false},
@@ -150,7 +92,7 @@ const std::vector<Edit> kEdits = {
      false},
     {"a repeated attribute on the bag", {{"<PropertyBag>", "<PropertyBag a='' a=''>"}}, false},
     {"a repeated attribute on a value", {{"<Value>", "<Value vartype='' vartype=''>"}}, false},
-    {"a marker written by reference", {{"<Value>", "<Value vartype=\"&#78;ull\">"}}, false},
+    {"a marker written by reference", {{"<Value>", "<Value vartype=\"&#78;ull\">"}}, true},
     {"an end tag that does not match", {{"</Clause>", "</Claus>"}}, false},
     {"an end tag of another name as long", {{"</Clause>", "</Clausx>"}}, false},
     {"an end tag of a longer name", {{"</Clause>", "</Clauses>"}}, false},
@@ -177,20 +119,11 @@ TEST(RegularDefinitionReader, EditedDocumentsLoadAsThroughTheBag) {
       const std::string edited = Apply(edit, saved);
       if (edited.empty()) continue;
       ++tried;
-      const Outcome bag = ThroughBag(edited);
-      const Outcome load = ThroughLoad(edited);
-      ASSERT_EQ(load.loaded, bag.loaded) << edit.what << ", seed " << seed << "\n" << bag;
-      if (bag.loaded) {
-        ASSERT_EQ(load.saved, bag.saved) << edit.what << ", seed " << seed;
-      } else {
-        ASSERT_NE(load.description.find(bag.description), std::string::npos)
-            << edit.what << ", seed " << seed << "\n"
-            << load << "\n"
-            << bag;
-      }
+      const bool loaded = ThroughBag(edited).loaded;
+      ASSERT_TRUE(LoadsAsThroughBag(edited)) << edit.what << ", seed " << seed;
       if (!edit.stays_regular) {
         EXPECT_FALSE(ReadsDirectly(edited)) << edit.what << ", seed " << seed;
-      } else if (bag.loaded) {
+      } else if (loaded) {
         EXPECT_TRUE(ReadsDirectly(edited)) << edit.what << ", seed " << seed;
       }
     }
