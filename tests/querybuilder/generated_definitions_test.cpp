@@ -441,7 +441,9 @@ TEST(GeneratedDefinitions, LexerReadsAsTheDomAndTheLoadAsTheBag) {
   for (const std::string& kind : kKinds) {
     EXPECT_GT(lexed[kind], 5) << kind;
     // Children out of their order are left to the bag.
-    if (kind != "children out of order") EXPECT_GT(read_directly[kind], 0) << kind;
+    if (kind != "children out of order") {
+      EXPECT_GT(read_directly[kind], 0) << kind;
+    }
   }
 }
 
