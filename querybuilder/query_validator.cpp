@@ -2,6 +2,7 @@
 #include "querybuilder/query_validator.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <string_view>
 
@@ -89,8 +90,8 @@ std::string NameKey(std::string_view name) { return FoldCase(QuotedName(name)); 
 
 class Walk {
  public:
-  Walk(const xqb_Query& query, std::vector<QueryProblem>& problems)
-      : query_(query), problems_(problems) {
+  Walk(const xqb_Query& query, const std::function<void(const QueryProblem&)>& report)
+      : query_(query), report_(report) {
     for (const auto& table : *query.Tables()) {
       for (const auto& field : *table->Fields()) {
         try {
@@ -121,7 +122,7 @@ class Walk {
 
  private:
   void Add(const std::string& path, std::string message) {
-    problems_.push_back({path, std::move(message)});
+    report_(QueryProblem{path, std::move(message)});
   }
 
   void CheckField(const xqb_Field& field, const std::string& path) {
@@ -196,16 +197,20 @@ class Walk {
   }
 
   const xqb_Query& query_;
-  std::vector<QueryProblem>& problems_;
+  const std::function<void(const QueryProblem&)>& report_;
   std::vector<std::string> field_names_;
   std::map<std::int32_t, std::string> ids_;
 };
 
 }  // namespace
 
+void QueryValidator::ReportProblems(const std::function<void(const QueryProblem&)>& report) const {
+  Walk(query_, report).Run();
+}
+
 std::vector<QueryProblem> QueryValidator::Problems() const {
   std::vector<QueryProblem> problems;
-  Walk(query_, problems).Run();
+  ReportProblems([&problems](const QueryProblem& problem) { problems.push_back(problem); });
   return problems;
 }
 

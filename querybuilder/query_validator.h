@@ -1,6 +1,7 @@
 // The check of a query definition for what makes its statement fail or mean something else.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,10 @@ class QueryValidator {
 
   /// The problems in tree order, a field's own before its conditions'.
   std::vector<QueryProblem> Problems() const;
+
+  /// Hands each problem to `report` as it is found, in the same order, keeping none: a large
+  /// definition with a problem on every condition is reported in the memory of one.
+  void ReportProblems(const std::function<void(const QueryProblem&)>& report) const;
 
  private:
   const xqb_Query& query_;

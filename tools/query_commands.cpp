@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "querybuilder/clause_catalogue.h"
+#include "querybuilder/query_validator.h"
 #include "querybuilder/tree_walk.h"
 #include "querybuilder/xqb_query.h"
 #include "runtime/clock.h"
@@ -186,20 +187,21 @@ CommandOutput RunCommand(const Options& options, std::ostream& diagnostics) {
   }
   CommandOutput output;
   if (options.command == Command::kCheck || ReportsProblems(options.command)) {
-    const bool fails = options.command == Command::kCheck || options.strict;
-    std::vector<std::string> lines;
-    for (const QueryProblem& problem : query->Validate()) {
-      lines.push_back(problem.path + ": " + problem.message);
-    }
-    output.failed = fails && !lines.empty();
-    if (options.command == Command::kCheck) {
-      for (const std::string& line : lines) output.text += line + "\n";
-      return output;
-    }
-    for (const std::string& line : lines) {
-      diagnostics << (fails ? "brixq: " : "brixq: warning: ") << line << "\n";
-    }
-    if (output.failed) return output;
+    const bool check = options.command == Command::kCheck;
+    const bool fails = check || options.strict;
+    bool any = false;
+    // Each problem is written as it is found: a definition may have one on every condition.
+    QueryValidator(*query).ReportProblems([&](const QueryProblem& problem) {
+      any = true;
+      const std::string line = problem.path + ": " + problem.message + "\n";
+      if (check) {
+        output.text += line;
+      } else {
+        diagnostics << (fails ? "brixq: " : "brixq: warning: ") << line;
+      }
+    });
+    output.failed = fails && any;
+    if (check || output.failed) return output;
   }
   if (options.command == Command::kParams) {
     for (const std::string& name : query->ParameterNames()) output.text += name + "\n";
