@@ -41,7 +41,7 @@ test("output refresh after a keystroke, 2,000 conditions", async () => {
   const field = page.locator("section.field", { has: page.getByRole("heading", { name: /^Cantitate/ }) });
   assert.equal(await field.locator("li.condition").count(), 200, "long fields open a part at a time");
   await field.getByRole("button", { name: "Show 200 more of 2000 conditions" }).click();
-  await field.locator("li.condition").nth(399).waitFor();  // the next part is drawn after the click
+  await field.locator("li.condition").nth(399).waitFor();  // the next batch is drawn after the click
   assert.equal(await field.locator("li.condition").count(), 400);
   console.log(`2,000 conditions: page open ${openMs.toFixed(0)} ms; output refreshed ${median(times).toFixed(0)} ms ` +
     `after the last keystroke (median of ${times.length}, max ${Math.max(...times).toFixed(0)} ms; 40 ms debounce included, ` +
